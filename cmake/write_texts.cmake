@@ -1,0 +1,13 @@
+# Script: writes OUT/texts.h and OUT/texts.cpp from FILES, as byte arrays (raw string literals have a length limit).
+set(header "#pragma once\n\n#include <string_view>\n\nnamespace brenlow::texts {\n\n")
+set(source "#include \"texts.h\"\n\nnamespace brenlow::texts {\n\n")
+foreach(file IN LISTS FILES)
+  get_filename_component(name ${file} NAME_WE)
+  file(READ ${file} bytes HEX)
+  string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${bytes}")
+  string(APPEND header "extern const std::string_view ${name};\n")
+  string(APPEND source "static const char ${name}_bytes[] = {${bytes}'\\0'};\n")
+  string(APPEND source "const std::string_view ${name}(${name}_bytes, sizeof(${name}_bytes) - 1);\n\n")
+endforeach()
+file(WRITE ${OUT}/texts.h "${header}\n}  // namespace brenlow::texts\n")
+file(WRITE ${OUT}/texts.cpp "${source}}  // namespace brenlow::texts\n")

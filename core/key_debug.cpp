@@ -1,0 +1,68 @@
+#include <array>
+#include <cstdio>
+#include <vector>
+
+#include "core/editor.h"
+#include "screen/curses.h"
+
+namespace brenlow {
+
+namespace {
+
+std::string byte_in(const char* format, int code) {
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), format, static_cast<unsigned>(code));
+  return text.data();
+}
+
+std::u32string described(const std::vector<int>& codes) {
+  std::string hex;
+  std::string decimal;
+  std::string text;
+  for (int code : codes) {
+    if (!hex.empty()) hex += ' ', decimal += ' ';
+    hex += byte_in("%02x", code);
+    decimal += byte_in("%u", code);
+    text += code >= 32 && code <= 126 ? static_cast<char>(code) : '.';
+  }
+  std::string line = "hex=[" + hex + "]  dec=[" + decimal + "]  str=[" + text + "]";
+  return {line.begin(), line.end()};
+}
+
+}  // namespace
+
+void run_key_debug(_win_st* screen) {
+  ::start_color();
+  ::keypad(screen, false);
+  ::raw();
+  ::werase(screen);
+  screen::put(screen, 0, 0, U"Key debug mode — press keys to see their byte sequences.");
+  screen::put(screen, 1, 0, U"Press Ctrl+C or Ctrl+D to quit.");
+  screen::put(screen, 2, 0, std::u32string(60, U'-'));
+  ::wrefresh(screen);
+  for (int row = 3;; ++row) {
+    int key = ::wgetch(screen);
+    if (key == 3 || key == 4) return;
+    if (key == ERR) {
+      --row;
+      continue;
+    }
+    std::vector<int> codes{key};
+    if (key == KEY_ESC) {
+      ::halfdelay(1);
+      for (int next = ::wgetch(screen); next != ERR; next = ::wgetch(screen)) codes.push_back(next);
+      ::nocbreak();
+      ::raw();
+    }
+    if (row >= ::getmaxy(screen) - 1) {
+      ::werase(screen);
+      screen::put(screen, 0, 0, U"Key debug — Ctrl+C/D to quit:");
+      row = 1;
+    }
+    auto width = static_cast<std::size_t>(std::max(::getmaxx(screen) - 1, 0));
+    screen::put(screen, row, 0, std::u32string_view(described(codes)).substr(0, width));
+    ::wrefresh(screen);
+  }
+}
+
+}  // namespace brenlow

@@ -1,0 +1,85 @@
+#include "core/editor.h"
+
+namespace brenlow {
+
+namespace {
+
+// A change of more lines than this, on either side, rebuilds the screen map instead of patching it.
+constexpr int PATCH_LIMIT = 20;
+
+void push_bounded(std::deque<UndoRecord>& stack, UndoRecord record, std::size_t depth) {
+  if (stack.size() == depth) stack.pop_front();
+  stack.push_back(std::move(record));
+}
+
+}  // namespace
+
+void Editor::_push_undo(int lo, int hi_old) {
+  UndoRecord record = open_record(lines, fmt_lines, pagebreak_lines, lo, hi_old);
+  record.old_cx = cx;
+  record.old_cy = cy;
+  push_bounded(_undo_stack, std::move(record), UNDO_DEPTH);
+  _redo_stack.clear();
+}
+
+void Editor::_finalize_undo(int hi_new) {
+  if (_undo_stack.empty()) return;
+  UndoRecord& record = _undo_stack.back();
+  finish_record(record, lines, fmt_lines, pagebreak_lines, hi_new);
+  record.new_cx = cx;
+  record.new_cy = cy;
+  if (_word_count) *_word_count += record.word_delta;
+}
+
+void Editor::_push_undo_bulk() { _push_undo(0, _line_count()); }
+
+void Editor::_finalize_undo_bulk() { _finalize_undo(_line_count()); }
+
+Editor::Applied Editor::_apply_snap(const UndoRecord& snap, bool forward) {
+  apply_record(snap, forward, lines, fmt_lines, pagebreak_lines);
+  cx = forward ? snap.new_cx : snap.old_cx;
+  cy = forward ? snap.new_cy : snap.old_cy;
+  if (_word_count) *_word_count += forward ? snap.word_delta : -snap.word_delta;
+  return forward ? Applied{snap.lo, snap.old_count, snap.new_count} : Applied{snap.lo, snap.new_count, snap.old_count};
+}
+
+void Editor::_undo_update_map(const UndoRecord& snap, int lo, int old_count, int new_count) {
+  if (old_count <= PATCH_LIMIT && new_count <= PATCH_LIMIT && snap.old_pbl == snap.new_pbl)
+    _lines_replaced(lo, lo + old_count, new_count);
+  else
+    _invalidate_map();
+}
+
+void Editor::_step_history(std::deque<UndoRecord>& from, std::deque<UndoRecord>& to, bool forward) {
+  UndoRecord record = std::move(from.back());
+  from.pop_back();
+  Applied done = _apply_snap(record, forward);
+  _folded_chapters.erase_range(done.lo, done.lo + done.old_count - 1);
+  _shift_folded_chapters(done.lo + std::min(done.old_count, done.new_count), done.new_count - done.old_count);
+  _undo_update_map(record, done.lo, done.old_count, done.new_count);
+  push_bounded(to, std::move(record), UNDO_DEPTH);
+  modified = true;
+  _sync_cur_fmt();
+  _show_message((forward ? "Redo. (" : "Undo. (") + std::to_string(from.size()) + " left)");
+  _kgrep_refresh();
+}
+
+void Editor::do_undo() {
+  if (_undo_stack.empty()) {
+    _show_message("Nothing to undo.");
+  } else if (!_undo_stack.back().finished) {
+    _undo_stack.pop_back();
+    _show_message("Undo error (incomplete snapshot).");
+  } else {
+    _step_history(_undo_stack, _redo_stack, false);
+  }
+}
+
+void Editor::do_redo() {
+  if (_redo_stack.empty())
+    _show_message("Nothing to redo.");
+  else
+    _step_history(_redo_stack, _undo_stack, true);
+}
+
+}  // namespace brenlow

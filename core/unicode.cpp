@@ -1,0 +1,185 @@
+#include "core/unicode.h"
+
+#include <array>
+#include <cstdint>
+#include <cwctype>
+
+namespace brenlow {
+
+namespace {
+
+constexpr char32_t REPLACEMENT = 0xFFFD;
+
+struct Decoded {
+  char32_t character;
+  int length;  // bytes taken
+  bool valid;
+};
+
+// One character at `at`, by the table of well-formed byte sequences (Unicode Standard, table 3-7).
+Decoded decode_one(std::string_view bytes, std::size_t at) {
+  auto byte = [&](std::size_t i) { return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U; };
+  unsigned lead = byte(at);
+  if (lead < 0x80) return {lead, 1, true};
+  int more = lead >= 0xF0 && lead <= 0xF4 ? 3 : lead >= 0xE0 && lead < 0xF0 ? 2 : lead >= 0xC2 && lead < 0xE0 ? 1 : 0;
+  if (more == 0) return {REPLACEMENT, 1, false};
+  unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+  unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+  char32_t character = lead & (0x3FU >> more);
+  for (int i = 1; i <= more; ++i) {
+    unsigned next = byte(at + static_cast<std::size_t>(i));
+    if (next < low || next > high) return {REPLACEMENT, i, false};
+    character = (character << 6) | (next & 0x3F);
+    low = 0x80;
+    high = 0xBF;
+  }
+  return {character, more + 1, true};
+}
+
+}  // namespace
+
+std::size_t decode_utf8_into(std::string_view bytes, char32_t* out) {
+  char32_t* const begin = out;
+  std::size_t at = 0;
+  while (at < bytes.size()) {
+    unsigned char byte = static_cast<unsigned char>(bytes[at]);
+    if (byte < 0x80) {
+      *out++ = byte;
+      ++at;
+      continue;
+    }
+    Decoded one = decode_one(bytes, at);
+    *out++ = one.character;
+    at += static_cast<std::size_t>(one.length);
+  }
+  return static_cast<std::size_t>(out - begin);
+}
+
+std::u32string decode_utf8(std::string_view bytes) {
+  std::u32string text(bytes.size(), U'\0');
+  text.resize(decode_utf8_into(bytes, text.data()));
+  return text;
+}
+
+std::optional<std::u32string> decode_utf8_strict(std::string_view bytes) {
+  std::u32string text;
+  for (std::size_t at = 0; at < bytes.size();) {
+    Decoded one = decode_one(bytes, at);
+    if (!one.valid) return std::nullopt;
+    text.push_back(one.character);
+    at += static_cast<std::size_t>(one.length);
+  }
+  return text;
+}
+
+void append_utf8(std::string& out, char32_t character) {
+  std::uint32_t c = character;
+  if ((c >= 0xD800 && c < 0xE000) || c > 0x10FFFF) c = REPLACEMENT;
+  if (c < 0x80) {
+    out.push_back(static_cast<char>(c));
+    return;
+  }
+  auto tail = [&](int shift) { out.push_back(static_cast<char>(0x80 | ((c >> shift) & 0x3F))); };
+  if (c < 0x800) {
+    out.push_back(static_cast<char>(0xC0 | (c >> 6)));
+  } else if (c < 0x10000) {
+    out.push_back(static_cast<char>(0xE0 | (c >> 12)));
+    tail(6);
+  } else {
+    out.push_back(static_cast<char>(0xF0 | (c >> 18)));
+    tail(12);
+    tail(6);
+  }
+  tail(0);
+}
+
+std::string encode_utf8(std::u32string_view text) {
+  std::string bytes;
+  bytes.reserve(text.size() + text.size() / 8);
+  for (char32_t character : text) append_utf8(bytes, character);
+  return bytes;
+}
+
+char32_t lower(char32_t character) {
+  if (character < 0x80) return character >= U'A' && character <= U'Z' ? character + 32 : character;
+  // The Latin letters of ISO 8859-1, without asking the locale; U+00D7 is the multiplication sign.
+  if (character < 0x100)
+    return character >= 0xC0 && character <= 0xDE && character != 0xD7 ? character + 32 : character;
+  return static_cast<char32_t>(std::towlower(static_cast<wint_t>(character)));
+}
+
+std::u32string lowered(std::u32string_view text) {
+  std::u32string out(text);
+  for (char32_t& character : out) character = lower(character);
+  return out;
+}
+
+std::string lowered_ascii(std::string_view text) {
+  std::string out(text);
+  for (char& c : out)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+  return out;
+}
+
+bool is_space(char32_t c) {
+  if (c <= 0x20) return c == 0x20 || (c >= 0x09 && c <= 0x0D) || (c >= 0x1C && c <= 0x1F);
+  if (c < 0x85) return false;
+  return c == 0x85 || c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 ||
+         c == 0x202F || c == 0x205F || c == 0x3000;
+}
+
+std::u32string_view trimmed_right(std::u32string_view text) {
+  while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+std::u32string_view trimmed(std::u32string_view text) {
+  text = trimmed_right(text);
+  while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
+  return text;
+}
+
+std::string_view trimmed(std::string_view text) {
+  auto space = [](char c) { return is_space(static_cast<unsigned char>(c)) && static_cast<unsigned char>(c) < 0x80; };
+  while (!text.empty() && space(text.back())) text.remove_suffix(1);
+  while (!text.empty() && space(text.front())) text.remove_prefix(1);
+  return text;
+}
+
+std::u32string one_line(std::u32string_view text) {
+  std::u32string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    bool pair = text[i] == U'\r' && i + 1 < text.size() && text[i + 1] == U'\n';
+    if (pair) continue;
+    out.push_back(text[i] == U'\r' || text[i] == U'\n' ? U' ' : text[i]);
+  }
+  return out;
+}
+
+int count_words(std::u32string_view text) {
+  int words = 0;
+  bool in_word = false;
+  for (char32_t character : text) {
+    bool inside = character > 0x20 && character < 0x85 ? true : !is_space(character);
+    words += inside && !in_word;
+    in_word = inside;
+  }
+  return words;
+}
+
+std::string path_base_name(std::string_view path) { return std::string(path.substr(path.find_last_of('/') + 1)); }
+
+std::string path_extension(std::string_view path) {
+  std::string name = path_base_name(path);
+  std::size_t first = name.find_first_not_of('.');
+  std::size_t dot = name.find_last_of('.');
+  if (first == std::string::npos || dot == std::string::npos || dot < first) return {};
+  std::string extension;
+  append_utf8(extension, U'.');
+  if (auto text = decode_utf8_strict(std::string_view(name).substr(dot + 1)))
+    return extension + encode_utf8(lowered(*text));
+  return lowered_ascii(std::string_view(name).substr(dot));
+}
+
+}  // namespace brenlow

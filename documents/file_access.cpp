@@ -1,0 +1,192 @@
+#include "documents/file_access.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "core/failure.h"
+
+namespace brenlow {
+
+namespace {
+
+Failure failure_of(int error_number) { return Failure(std::generic_category().message(error_number)); }
+
+void refuse_special(const struct stat& status) {
+  if (S_ISDIR(status.st_mode)) throw failure_of(EISDIR);
+  if (!S_ISREG(status.st_mode)) throw Failure("not a regular file");
+}
+
+// The status behind all links; nothing where no file is. Asked before a file is opened, because opening
+// alone can wait (a pipe) or act (a device).
+std::optional<struct stat> status_of(const std::string& path) {
+  struct stat status;
+  if (::stat(path.c_str(), &status) == 0) return status;
+  if (errno == ENOENT) return std::nullopt;
+  throw failure_of(errno);
+}
+
+FileDescriptor open_checked(const std::string& path, int flags) {
+  FileDescriptor file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
+  if (file.get() < 0) throw failure_of(errno);
+  struct stat status;
+  if (::fstat(file.get(), &status) != 0) throw failure_of(errno);
+  refuse_special(status);
+  return file;
+}
+
+// Reads from the file's start until `limit` bytes or the end; the size told by the system is only a hint.
+std::string read_up_to(int file, std::size_t limit, std::size_t size_hint) {
+  constexpr std::size_t STEP = 1 << 16;
+  std::string bytes;
+  bytes.resize(std::min(limit, size_hint + 1));
+  std::size_t filled = 0;
+  while (filled < limit) {
+    if (filled == bytes.size()) bytes.resize(std::min(limit, bytes.size() * 2 + STEP));
+    ssize_t got = ::pread(file, bytes.data() + filled, bytes.size() - filled, static_cast<off_t>(filled));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throw failure_of(errno);
+    if (got == 0) break;
+    filled += static_cast<std::size_t>(got);
+  }
+  bytes.resize(filled);
+  return bytes;
+}
+
+// 0 or the error number.
+int write_at_start(int file, std::string_view bytes) {
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    std::size_t step = std::min<std::size_t>(bytes.size() - written, INT_MAX / 2);
+    ssize_t count = ::pwrite(file, bytes.data() + written, step, static_cast<off_t>(written));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return count < 0 ? errno : EIO;
+    written += static_cast<std::size_t>(count);
+  }
+  return 0;
+}
+
+// Makes sure that `size` bytes have room, without changing the file's size. Where the file system cannot
+// reserve, it is left to the writing to find out.
+int reserve([[maybe_unused]] int file, std::size_t size) {
+  // Beyond this limit a write would end the process by a signal.
+  struct rlimit limit;
+  if (::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY && size > limit.rlim_cur) return EFBIG;
+#ifdef __linux__
+  int error = 0;
+  if (size == 0) return 0;
+  do {
+    error = ::fallocate(file, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0 ? 0 : errno;
+  } while (error == EINTR);
+  if (error == ENOSPC || error == EDQUOT || error == EFBIG || error == EIO) return error;
+#endif
+  return 0;
+}
+
+int shrink_to(int file, std::size_t size) { return ::ftruncate(file, static_cast<off_t>(size)) == 0 ? 0 : errno; }
+
+// Network file systems report a failed write when a descriptor is closed; closing a second one first
+// tells it while the old content can still be put back.
+int flush(int file) {
+  int second = ::dup(file);
+  if (second < 0) return errno;
+  return ::close(second) == 0 ? 0 : errno;
+}
+
+int write_whole(int file, std::string_view bytes) {
+  if (int error = write_at_start(file, bytes)) return error;
+  if (int error = shrink_to(file, bytes.size())) return error;
+  return flush(file);
+}
+
+int close_checked(FileDescriptor file) { return ::close(file.release()) == 0 || errno == EINTR ? 0 : errno; }
+
+void write_new(const std::string& path, std::string_view bytes) {
+  FileDescriptor file = open_checked(path, O_WRONLY | O_CREAT | O_EXCL);
+  int error = reserve(file.get(), bytes.size());
+  if (!error) error = write_whole(file.get(), bytes);
+  if (int close_error = close_checked(std::move(file)); !error) error = close_error;
+  if (!error) return;
+  ::unlink(path.c_str());
+  throw failure_of(error);
+}
+
+void overwrite(const std::string& path, std::string_view bytes) {
+  FileDescriptor file = open_checked(path, O_RDWR);
+  struct stat status;
+  if (::fstat(file.get(), &status) != 0) throw failure_of(errno);
+  std::size_t old_size = static_cast<std::size_t>(status.st_size);
+  // What lies behind the new content stays on the disk until the very last step.
+  std::size_t touched = std::min(old_size, bytes.size());
+  std::string old = read_up_to(file.get(), touched, touched);
+  if (int error = reserve(file.get(), bytes.size())) {
+    shrink_to(file.get(), old_size);  // gives back what was reserved behind the end
+    throw failure_of(error);
+  }
+  if (int error = write_whole(file.get(), bytes)) {
+    bool restored = write_at_start(file.get(), old) == 0 && shrink_to(file.get(), old_size) == 0;
+    std::string words = std::generic_category().message(error);
+    throw Failure(restored ? words : words + "; the old content could not be put back");
+  }
+  if (int close_error = close_checked(std::move(file))) throw failure_of(close_error);
+}
+
+// Where a link that leads nowhere points to, so that the link is kept and the file behind it is made.
+std::string link_target(const std::string& path) {
+  std::string at = path;
+  for (int links = 0; links < 40; ++links) {
+    char target[PATH_MAX];
+    ssize_t length = ::readlink(at.c_str(), target, sizeof target);
+    if (length < 0) return at;
+    std::string_view next(target, static_cast<std::size_t>(length));
+    std::size_t slash = at.rfind('/');
+    bool relative = next.empty() || next[0] != '/';
+    at = (relative && slash != std::string::npos ? at.substr(0, slash + 1) : std::string()).append(next);
+  }
+  throw failure_of(ELOOP);
+}
+
+}  // namespace
+
+FileDescriptor::~FileDescriptor() {
+  if (_number >= 0) ::close(_number);
+}
+
+int FileDescriptor::release() { return std::exchange(_number, -1); }
+
+FileDescriptor open_regular_file(const std::string& path) {
+  std::optional<struct stat> status = status_of(path);
+  if (!status) throw failure_of(ENOENT);
+  refuse_special(*status);
+  return open_checked(path, O_RDONLY);
+}
+
+std::string read_file(const std::string& path, std::size_t limit) {
+  FileDescriptor file = open_regular_file(path);
+  struct stat status;
+  if (::fstat(file.get(), &status) != 0) throw failure_of(errno);
+  std::size_t size = static_cast<std::size_t>(status.st_size);
+  if (size > limit) throw failure_of(EFBIG);
+  std::string bytes = read_up_to(file.get(), limit + 1, size);
+  if (bytes.size() > limit) throw failure_of(EFBIG);
+  return bytes;
+}
+
+void write_file(const std::string& path, std::string_view bytes) {
+  std::optional<struct stat> status = status_of(path);
+  if (!status) return write_new(link_target(path), bytes);
+  refuse_special(*status);
+  overwrite(path, bytes);
+}
+
+}  // namespace brenlow

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace brenlow {
+
+// Owner of an open file descriptor.
+class FileDescriptor {
+ public:
+  explicit FileDescriptor(int number) : _number(number) {}
+  FileDescriptor(FileDescriptor&& other) noexcept : _number(other.release()) {}
+  FileDescriptor& operator=(FileDescriptor&&) = delete;
+  ~FileDescriptor();
+  int get() const { return _number; }
+  int release();
+
+ private:
+  int _number;  // -1: none
+};
+
+// Opens a regular file for reading. Folders, pipes, sockets and devices are refused in words and never
+// block. Throws Failure.
+FileDescriptor open_regular_file(const std::string& path);
+
+// The bytes of a regular file of at most `limit` bytes. Folders, pipes and devices are refused and never
+// block. Throws Failure.
+std::string read_file(const std::string& path, std::size_t limit);
+
+// Replaces the content of `path` in place, keeping its owner, mode and links. The space is reserved before
+// the first old byte is overwritten and every write, flush and close is checked; on a failure the old
+// content is there as before, and a file that was not there is gone again. Throws Failure.
+void write_file(const std::string& path, std::string_view bytes);
+
+}  // namespace brenlow

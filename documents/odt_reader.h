@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "core/document.h"
+
+namespace brenlow {
+
+// Reads an OpenDocument Text package (OASIS OpenDocument 1.3, parts 2 and 3). Throws Failure with a text
+// for the user, and then nothing has changed.
+DocumentTriple odt_to_rich(const std::string& path);
+
+}  // namespace brenlow

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/document.h"
+
+namespace brenlow {
+
+// Whether the lower-cased extension with its dot is one of those edited as plain text.
+bool is_plain_text_extension(std::string_view extension);
+
+// Reads UTF-8 text, divided at every line boundary of the Unicode Standard (and FS, GS, RS); wrong bytes
+// become U+FFFD. Throws Failure.
+DocumentTriple txt_to_lines(const std::string& path);
+// Writes the lines as UTF-8, divided by "\n", none behind the last. Throws Failure.
+void lines_to_txt(const std::vector<Text>& lines, const std::string& path);
+
+}  // namespace brenlow

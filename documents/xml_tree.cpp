@@ -1,0 +1,193 @@
+#include "documents/xml_tree.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/xmlerror.h>
+
+#include <cstddef>
+#include <cstring>
+
+#include "core/failure.h"
+#include "core/unicode.h"
+
+namespace brenlow {
+
+namespace {
+
+// The deepest tree must be safe for library versions that free recursively.
+constexpr int MAX_DEPTH = 20'000;
+// With a document type declaration, entities can multiply the content tenfold before libxml2 stops them.
+constexpr int MAX_BYTES_WITH_DOCTYPE = 4 << 20;
+
+struct ParserFree {
+  void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
+};
+
+struct ParseState {
+  std::size_t nodes = 0;
+  int depth = 0;
+  bool too_long_for_doctype = false;
+  const char* refusal = nullptr;  // why the parsing was stopped
+  std::string first_error;        // the later ones only follow from it
+};
+
+xmlParserCtxt* parser_of(void* context) { return static_cast<xmlParserCtxt*>(context); }
+ParseState& state_of(void* context) { return *static_cast<ParseState*>(parser_of(context)->_private); }
+
+void refuse(void* context, const char* why) {
+  ParseState& state = state_of(context);
+  if (!state.refusal) state.refusal = why;
+  xmlStopParser(parser_of(context));
+}
+
+void count_nodes(void* context, std::size_t added) {
+  ParseState& state = state_of(context);
+  state.nodes += added;
+  if (state.nodes > MAX_XML_NODES) refuse(context, "too many elements");
+}
+
+void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaces_count,
+                   const xmlChar** namespaces, int attributes_count, int defaulted, const xmlChar** attributes) {
+  count_nodes(context, 1 + 2 * static_cast<std::size_t>(attributes_count) + static_cast<std::size_t>(namespaces_count));
+  if (++state_of(context).depth > MAX_DEPTH) refuse(context, "elements nested too deeply");
+  if (state_of(context).refusal) return;
+  xmlSAX2StartElementNs(context, name, prefix, uri, namespaces_count, namespaces, attributes_count, defaulted,
+                        attributes);
+}
+
+void end_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
+  --state_of(context).depth;
+  if (state_of(context).refusal) return;
+  xmlSAX2EndElementNs(context, name, prefix, uri);
+}
+
+void characters(void* context, const xmlChar* text, int length) {
+  const XmlNode* parent = parser_of(context)->node;
+  if (parent && !(parent->last && parent->last->type == XML_TEXT_NODE)) count_nodes(context, 1);
+  if (!state_of(context).refusal) xmlSAX2Characters(context, text, length);
+}
+
+void comment(void* context, const xmlChar* text) {
+  count_nodes(context, 1);
+  if (!state_of(context).refusal) xmlSAX2Comment(context, text);
+}
+
+void processing_instruction(void* context, const xmlChar* target, const xmlChar* data) {
+  count_nodes(context, 1);
+  if (!state_of(context).refusal) xmlSAX2ProcessingInstruction(context, target, data);
+}
+
+void cdata_block(void* context, const xmlChar* text, int length) {
+  count_nodes(context, 1);
+  if (!state_of(context).refusal) xmlSAX2CDataBlock(context, text, length);
+}
+
+// Without the huge option libxml2 watches how far entities blow the content up. Entities need a document
+// type declaration, so the option ends where one begins, in whatever encoding it is written.
+void internal_subset(void* context, const xmlChar* name, const xmlChar* public_id, const xmlChar* system_id) {
+  if (state_of(context).too_long_for_doctype) return refuse(context, "document type declaration in a huge document");
+  parser_of(context)->options &= ~XML_PARSE_HUGE;
+  xmlSAX2InternalSubset(context, name, public_id, system_id);
+}
+
+xmlEntity* entity(void* context, const xmlChar* name) {
+  xmlEntity* found = xmlSAX2GetEntity(context, name);
+  if (!found || found->etype != XML_EXTERNAL_GENERAL_PARSED_ENTITY) return found;
+  refuse(context, "refers to an external entity");
+  return nullptr;
+}
+
+void unresolved_reference(void* context, const xmlChar*) { refuse(context, "refers to an unknown entity"); }
+
+void print_nothing(void*, const char*, ...) {}
+
+// Installed once for the process: nothing is loaded, nothing is printed.
+struct LibraryQuiet {
+  LibraryQuiet() {
+    xmlInitParser();
+    xmlSetExternalEntityLoader([](const char*, const char*, xmlParserCtxt*) -> xmlParserInput* { return nullptr; });
+    xmlSetGenericErrorFunc(nullptr, print_nothing);
+  }
+};
+
+void keep_first_error(void* context, const xmlError& error) {
+  std::string& first = state_of(context).first_error;
+  if (error.level < XML_ERR_ERROR || !error.message || !first.empty()) return;
+  if (error.line > 0) first = "line " + std::to_string(error.line) + ": ";
+  std::string_view words = error.message;
+  first += trimmed(words.substr(0, words.find('\n')));
+}
+
+void install_handlers(xmlSAXHandler& sax) {
+  sax.startElementNs = start_element;
+  sax.endElementNs = end_element;
+  sax.characters = characters;
+  sax.ignorableWhitespace = characters;
+  sax.comment = comment;
+  sax.processingInstruction = processing_instruction;
+  sax.cdataBlock = cdata_block;
+  sax.internalSubset = internal_subset;
+  sax.getEntity = entity;
+  sax.reference = unresolved_reference;
+  // The record is constant in newer versions of the library only.
+  sax.serror = [](void* context, auto* error) { keep_first_error(context, *error); };
+}
+
+std::string_view text_of(const xmlChar* characters) {
+  return characters ? std::string_view(reinterpret_cast<const char*>(characters)) : std::string_view();
+}
+
+}  // namespace
+
+void XmlDocFree::operator()(_xmlDoc* document) const { xmlFreeDoc(document); }
+
+XmlTree XmlTree::parse(std::string_view bytes, const std::string& what) {
+  static const LibraryQuiet quiet;
+  if (bytes.empty()) throw Failure(what + ": empty");
+  if (bytes.size() > (std::size_t{1} << 30)) throw Failure(what + ": too large");
+  std::unique_ptr<xmlParserCtxt, ParserFree> parser(xmlNewParserCtxt());
+  if (!parser) throw std::bad_alloc();
+  ParseState state;
+  state.too_long_for_doctype = bytes.size() > MAX_BYTES_WITH_DOCTYPE;
+  parser->_private = &state;
+  install_handlers(*parser->sax);
+  std::unique_ptr<_xmlDoc, XmlDocFree> document(
+      xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
+                        XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_COMPACT | XML_PARSE_NOERROR |
+                            XML_PARSE_NOWARNING));
+  if (state.refusal) throw Failure(what + ": " + state.refusal);
+  if (!document || !parser->wellFormed || !parser->nsWellFormed) {
+    throw Failure(what + ": " + (state.first_error.empty() ? "not well-formed" : state.first_error));
+  }
+  if (!xmlDocGetRootElement(document.get())) throw Failure(what + ": no element");
+  return XmlTree(std::move(document));
+}
+
+const XmlNode* XmlTree::root() const { return xmlDocGetRootElement(_document.get()); }
+
+std::string_view local_name(const XmlNode* node) { return text_of(node->name); }
+
+bool is_element(const XmlNode* node, std::string_view uri, std::string_view name) {
+  return node->type == XML_ELEMENT_NODE && node->ns && local_name(node) == name && text_of(node->ns->href) == uri;
+}
+
+const XmlNode* first_child(const XmlNode* parent, std::string_view uri, std::string_view name) {
+  const XmlNode* node = parent ? parent->children : nullptr;
+  while (node && !is_element(node, uri, name)) node = node->next;
+  return node;
+}
+
+const XmlNode* next_of(const XmlNode* element, std::string_view uri, std::string_view name) {
+  const XmlNode* node = element->next;
+  while (node && !is_element(node, uri, name)) node = node->next;
+  return node;
+}
+
+std::string_view attribute(const XmlNode* element, std::string_view uri, std::string_view name) {
+  for (const xmlAttr* at = element->properties; at; at = at->next)
+    if (at->ns && text_of(at->name) == name && text_of(at->ns->href) == uri)
+      return at->children ? text_of(at->children->content) : std::string_view("");
+  return {};
+}
+
+}  // namespace brenlow

@@ -1,0 +1,200 @@
+#include "documents/xml_writer.h"
+
+#include <libxml/tree.h>
+
+#include <algorithm>
+#include <map>
+
+#include "core/unicode.h"
+
+namespace brenlow {
+
+namespace {
+
+constexpr std::string_view XML_URI = "http://www.w3.org/XML/1998/namespace";
+
+std::string_view text_of(const xmlChar* characters) {
+  return characters ? std::string_view(reinterpret_cast<const char*>(characters)) : std::string_view();
+}
+
+bool is_printable_ascii(char32_t c) { return c >= 0x20 && c < 0x7F && c != U'<' && c != U'>' && c != U'&'; }
+
+void append_special(std::string& out, char32_t c) {
+  switch (c) {
+    case U'<':
+      out += "&lt;";
+      break;
+    case U'>':
+      out += "&gt;";
+      break;
+    case U'&':
+      out += "&amp;";
+      break;
+    case U'\r':  // as a plain character it would be read as a line feed
+      out += "&#13;";
+      break;
+    default: {
+      bool allowed = c >= 0x20 ? c != 0xFFFE && c != 0xFFFF : c == U'\t' || c == U'\n';
+      append_utf8(out, allowed ? c : char32_t{0xFFFD});
+    }
+  }
+}
+
+void append_escaped_utf8(std::string& out, std::string_view text, bool in_attribute) {
+  for (char c : text) {
+    if (c == '<')
+      out += "&lt;";
+    else if (c == '>')
+      out += "&gt;";
+    else if (c == '&')
+      out += "&amp;";
+    else if (c == '\r' || (in_attribute && (c == '\n' || c == '\t' || c == '"')))
+      out.append("&#").append(std::to_string(c)).append(";");
+    else
+      out += c;
+  }
+}
+
+class Serialiser {
+ public:
+  Serialiser(const XmlNode* root, std::span<const std::pair<std::string_view, std::string_view>> fixed,
+             const std::vector<XmlInsertion>& insertions)
+      : _root(root), _insertions(insertions) {
+    _prefixes[XML_URI] = "xml";
+    for (const auto& [prefix, uri] : fixed) _declare(uri, prefix);
+    for (const XmlNode* node = root; node; node = _next(node, _children(node))) {
+      if (node->type != XML_ELEMENT_NODE) continue;
+      for (const xmlNs* ns = node->nsDef; ns; ns = ns->next)
+        if (ns->href && *ns->href) _declare(text_of(ns->href), text_of(ns->prefix));
+    }
+  }
+
+  std::string run() {
+    for (const XmlNode* node = _root; node;) {
+      _open(node);
+      const XmlNode* children = _children(node);
+      if (!children) _close(node);
+      while (!children && node != _root && !node->next) _close(node = node->parent);
+      node = children ? children : node == _root ? nullptr : node->next;
+    }
+    return std::move(_out);
+  }
+
+ private:
+  const XmlInsertion* _insertion(const XmlNode* node, XmlInsertion::Place place) const {
+    auto found = std::find_if(_insertions.begin(), _insertions.end(),
+                              [&](const XmlInsertion& one) { return one.node == node && one.place == place; });
+    return found == _insertions.end() ? nullptr : &*found;
+  }
+
+  const XmlNode* _children(const XmlNode* node) const {
+    if (node->type != XML_ELEMENT_NODE) return nullptr;
+    return _insertion(node, XmlInsertion::Place::INSTEAD_OF_CHILDREN) ? nullptr : node->children;
+  }
+
+  const XmlNode* _next(const XmlNode* node, const XmlNode* children) const {
+    if (children) return children;
+    while (node != _root && !node->next) node = node->parent;
+    return node == _root ? nullptr : node->next;
+  }
+
+  void _declare(std::string_view uri, std::string_view wanted) {
+    if (_prefixes.contains(uri)) return;
+    auto taken = [&](std::string_view prefix) {
+      return std::any_of(_prefixes.begin(), _prefixes.end(), [&](const auto& one) { return one.second == prefix; });
+    };
+    std::string prefix(wanted);
+    bool reserved = lowered_ascii(prefix).starts_with("xml");
+    for (int i = 0; prefix.empty() || reserved || taken(prefix); ++i) {
+      prefix = "ns" + std::to_string(i);
+      reserved = false;
+    }
+    _prefixes.emplace(uri, prefix);
+    _declared.emplace_back(prefix, uri);
+  }
+
+  void _append_name(const xmlNs* ns, const xmlChar* name) {
+    if (ns) _out.append(_prefixes.find(text_of(ns->href))->second).append(":");
+    _out += text_of(name);
+  }
+
+  void _append_attribute(std::string_view value) {
+    _out += "=\"";
+    append_escaped_utf8(_out, value, true);
+    _out += '"';
+  }
+
+  void _open(const XmlNode* node) {
+    if (const XmlInsertion* before = _insertion(node, XmlInsertion::Place::BEFORE)) _out += before->markup;
+    switch (node->type) {
+      case XML_ELEMENT_NODE:
+        _open_element(node);
+        break;
+      case XML_TEXT_NODE:
+      case XML_CDATA_SECTION_NODE:
+        append_escaped_utf8(_out, text_of(node->content), false);
+        break;
+      case XML_COMMENT_NODE:
+        _out.append("<!--").append(text_of(node->content)).append("-->");
+        break;
+      case XML_PI_NODE:
+        _out.append("<?").append(text_of(node->name)).append(" ").append(text_of(node->content)).append("?>");
+        break;
+      default:
+        break;
+    }
+  }
+
+  void _open_element(const XmlNode* node) {
+    _out += '<';
+    _append_name(node->ns, node->name);
+    if (node == _root) {
+      for (const auto& [prefix, uri] : _declared) {
+        _out.append(" xmlns:").append(prefix);
+        _append_attribute(uri);
+      }
+    }
+    for (const xmlAttr* at = node->properties; at; at = at->next) {
+      _out += ' ';
+      _append_name(at->ns, at->name);
+      _append_attribute(at->children ? text_of(at->children->content) : std::string_view());
+    }
+    _out += '>';
+    if (const XmlInsertion* inner = _insertion(node, XmlInsertion::Place::INSTEAD_OF_CHILDREN)) _out += inner->markup;
+  }
+
+  void _close(const XmlNode* node) {
+    if (node->type != XML_ELEMENT_NODE) return;
+    if (const XmlInsertion* last = _insertion(node, XmlInsertion::Place::BEHIND_CHILDREN)) _out += last->markup;
+    _out += "</";
+    _append_name(node->ns, node->name);
+    _out += '>';
+  }
+
+  const XmlNode* _root;
+  const std::vector<XmlInsertion>& _insertions;
+  std::map<std::string_view, std::string> _prefixes;                // by URI
+  std::vector<std::pair<std::string, std::string_view>> _declared;  // prefix and URI, in document order
+  std::string _out;
+};
+
+}  // namespace
+
+void append_escaped(std::string& out, std::u32string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    std::size_t end = at;
+    while (end < text.size() && is_printable_ascii(text[end])) ++end;
+    std::size_t before = out.size();
+    out.resize(before + (end - at));
+    std::transform(text.begin() + at, text.begin() + end, out.begin() + before,
+                   [](char32_t c) { return static_cast<char>(c); });
+    for (at = end; at < text.size() && !is_printable_ascii(text[at]); ++at) append_special(out, text[at]);
+  }
+}
+
+std::string serialise(const XmlNode* root, std::span<const std::pair<std::string_view, std::string_view>> fixed,
+                      const std::vector<XmlInsertion>& insertions) {
+  return Serialiser(root, fixed, insertions).run();
+}
+
+}  // namespace brenlow

@@ -1,0 +1,161 @@
+// The translation between logical lines and displayed rows. `_screen_map` is one flat array of rows, so the
+// cursor's row is a binary search and a page of text a slice. `_sm_line_starts` leads from a line to its
+// rows, `_sep_prefix` counts the page-break rows, which are no entries of the map, before each entry.
+//
+// A change of a few lines re-wraps those lines and splices the arrays; the text of no other line is looked
+// at. Folds, the line filter, margins and whole-document commands mark the map dirty instead, and it is built
+// anew at the next use. A change of the width is noticed by `_map_cache_cols`.
+
+#include <algorithm>
+
+#include "core/editor.h"
+#include "screen/wrap.h"
+#include "structure/chapters.h"
+
+namespace brenlow {
+
+namespace {
+
+// The rows of one line as map entries behind those of the lines before.
+void append_rows(std::vector<MapEntry>& rows, int ly, std::u32string_view text, int width,
+                 std::vector<Chunk>& scratch) {
+  scratch.clear();
+  _chunks_for_line(text, width, scratch);
+  for (const Chunk& chunk : scratch) rows.push_back({ly, chunk.start, chunk.length});
+}
+
+}  // namespace
+
+const std::vector<MapEntry>& Editor::_build_screen_map() {
+  int columns = std::max(cols(), 1);
+  if (!_map_dirty && _map_cache_cols == columns && _map_cache_nlines == _line_count() && !_screen_map.empty())
+    return _screen_map;
+
+  int width = _wrap_width();
+  std::vector<bool> hidden;
+  if (!_folded_chapters.empty()) hidden = hidden_by_folds(lines, _folded_chapters, _fold_hierarchical);
+  const int* filtered = _kgrep_folds.begin();
+
+  _screen_map.clear();
+  _sm_lines.clear();
+  _sm_line_starts.clear();
+  _sm_lines.reserve(lines.size());
+  _sm_line_starts.reserve(lines.size());
+  std::vector<Chunk> scratch;
+  for (int ly = 0; ly < _line_count(); ++ly) {
+    int first = static_cast<int>(_screen_map.size());
+    _sm_line_starts.push_back(first);
+    while (filtered != _kgrep_folds.end() && *filtered < ly) ++filtered;
+    bool shown = (hidden.empty() || !hidden[static_cast<std::size_t>(ly)]) &&
+                 (filtered == _kgrep_folds.end() || *filtered != ly);
+    if (shown && _folded_chapters.contains(ly))
+      _screen_map.push_back({ly, 0, width});
+    else if (shown)
+      append_rows(_screen_map, ly, _line(ly), width, scratch);
+    _sm_lines.push_back(static_cast<int>(_screen_map.size()) - first);
+  }
+  _map_cache_cols = columns;
+  _map_cache_nlines = _line_count();
+  _map_dirty = false;
+  _rebuild_sep_prefix();
+  return _screen_map;
+}
+
+bool Editor::_has_separator(const MapEntry& entry) const {
+  return entry.start == 0 && pagebreak_lines.contains(entry.ly) && !_folded_chapters.contains(entry.ly);
+}
+
+void Editor::_rebuild_sep_prefix() {
+  _sep_prefix.assign(_screen_map.size() + 1, 0);
+  if (pagebreak_lines.empty()) return;
+  for (std::size_t i = 0; i < _screen_map.size(); ++i)
+    _sep_prefix[i + 1] = _sep_prefix[i] + (_has_separator(_screen_map[i]) ? 1 : 0);
+}
+
+void Editor::_update_map_lines(int lo, int hi_old, int new_count) {
+  int growth = new_count - (hi_old - lo);
+  bool patchable = !_map_dirty && _map_cache_cols == std::max(cols(), 1) && !_sm_lines.empty() &&
+                   _sm_line_starts.size() == _sm_lines.size() &&
+                   static_cast<int>(_sm_lines.size()) + growth == _line_count() && _folded_chapters.empty() &&
+                   _kgrep_folds.empty();
+  if (!patchable) {
+    _map_dirty = true;
+    return;
+  }
+  auto first_row = [&](int ly) {
+    return ly < static_cast<int>(_sm_line_starts.size()) ? _sm_line_starts[static_cast<std::size_t>(ly)]
+                                                         : static_cast<int>(_screen_map.size());
+  };
+  int first = first_row(lo);
+  int end = first_row(hi_old);
+
+  std::vector<MapEntry> entries;
+  std::vector<int> counts;
+  std::vector<int> starts;
+  std::vector<Chunk> scratch;
+  for (int ly = lo; ly < lo + new_count; ++ly) {
+    int before = static_cast<int>(entries.size());
+    starts.push_back(first + before);
+    append_rows(entries, ly, _line(ly), _wrap_width(), scratch);
+    counts.push_back(static_cast<int>(entries.size()) - before);
+  }
+  int rows_now = static_cast<int>(entries.size());
+  splice(_screen_map, first, end - first, std::move(entries));
+  splice(_sm_lines, lo, hi_old - lo, std::move(counts));
+  splice(_sm_line_starts, lo, hi_old - lo, std::move(starts));
+  if (growth != 0)
+    for (auto i = static_cast<std::size_t>(first + rows_now); i < _screen_map.size(); ++i) _screen_map[i].ly += growth;
+  if (int shift = rows_now - (end - first); shift != 0)
+    for (auto i = static_cast<std::size_t>(lo + new_count); i < _sm_line_starts.size(); ++i)
+      _sm_line_starts[i] += shift;
+  _splice_sep_prefix(first, end - first, rows_now);
+  _map_cache_nlines = _line_count();
+}
+
+void Editor::_splice_sep_prefix(int first, int old_rows, int new_rows) {
+  int base = _sep_prefix[static_cast<std::size_t>(first)];
+  std::vector<int> counts{base};
+  for (int i = first; i < first + new_rows; ++i)
+    counts.push_back(counts.back() + (_has_separator(_screen_map[static_cast<std::size_t>(i)]) ? 1 : 0));
+  int delta = counts.back() - _sep_prefix[static_cast<std::size_t>(first + old_rows)];
+  splice(_sep_prefix, first, old_rows + 1, std::move(counts));
+  if (delta == 0) return;
+  for (auto i = static_cast<std::size_t>(first + new_rows + 1); i < _sep_prefix.size(); ++i) _sep_prefix[i] += delta;
+}
+
+void Editor::_invalidate_map() {
+  _map_dirty = true;
+  _syn_dirty = true;
+}
+
+int Editor::_logical_to_screen_row(int ly, int column, const std::vector<MapEntry>& screen_map) const {
+  auto before_line = [](const MapEntry& entry, int line) { return entry.ly < line; };
+  auto first = std::lower_bound(screen_map.begin(), screen_map.end(), ly, before_line);
+  if (first == screen_map.end() || first->ly != ly)
+    return std::max(static_cast<int>(first - screen_map.begin()) - 1, 0);
+  auto end = std::lower_bound(first, screen_map.end(), ly + 1, before_line);
+  auto behind = std::upper_bound(first, end, column, [](int at, const MapEntry& entry) { return at < entry.start; });
+  return static_cast<int>(std::max(first, behind - 1) - screen_map.begin());
+}
+
+int Editor::_count_separators(const std::vector<MapEntry>& screen_map, int first, int end) const {
+  int high = std::min(end, static_cast<int>(screen_map.size()));
+  int low = std::max(first, 0);
+  if (low >= high || _sep_prefix.empty()) return 0;
+  return _sep_prefix[static_cast<std::size_t>(high)] - _sep_prefix[static_cast<std::size_t>(low)];
+}
+
+// The text of a row; that of a folded header is put together in `composed`.
+std::u32string_view Editor::_row_text(const MapEntry& entry, std::u32string& composed) const {
+  if (_folded_chapters.contains(entry.ly)) {
+    composed = folded_header_row(_line(entry.ly), entry.length);
+    return composed;
+  }
+  return _line(entry.ly).view().substr(static_cast<std::size_t>(entry.start), static_cast<std::size_t>(entry.length));
+}
+
+bool Editor::_is_list_continuation(const MapEntry& entry) const {
+  return entry.start > 0 && entry.ly < _line_count() && is_list_item(_line(entry.ly));
+}
+
+}  // namespace brenlow

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "core/spans.h"
+#include "customise/syntax_rules.h"
+
+namespace brenlow {
+
+// One displayed text row: a view into line `ly`, or for a folded header its composed row.
+struct MapEntry {
+  int ly;
+  int start;   // character of the line that the row begins with
+  int length;  // characters shown
+  friend bool operator==(const MapEntry&, const MapEntry&) = default;
+};
+
+// What lies over the characters of one line: first the lists of the whole line, kept while its rows are
+// drawn one behind the other, then the same clipped to a row and counted from its start.
+struct RowLayers {
+  using Stretch = std::pair<int, int>;
+  int ly = -1;  // line that the line lists belong to
+  std::vector<Stretch> line_kgrep, line_find;
+
+  std::vector<Span> format;
+  std::vector<SyntaxSpan> syntax;
+  std::vector<Stretch> kgrep, find;
+  Stretch selection{0, 0};
+};
+
+}  // namespace brenlow

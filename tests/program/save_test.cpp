@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/pty_program.h"
+
+namespace brenlow::test {
+namespace {
+
+constexpr std::string_view QUIT = "\x11";   // Ctrl+Q
+constexpr std::string_view SAVE = "\x13";   // Ctrl+S
+constexpr std::string_view BOLD = "\x02";   // Ctrl+B
+constexpr std::string_view BREAK = "\x10";  // Ctrl+P
+constexpr ProgramEnd IN_ORDER{.status = 0, .signal = 0};
+
+TEST(Save, WhatIsTypedIsInTheFile) {
+  ProgramOptions options;
+  options.arguments = {"diary.txt"};
+  PtyProgram program(brenlow_program(), options);
+  program.wait_for("New file: diary.txt");
+  program.send("Café — 日本 \xF0\x9F\x8D\x80\rsecond line\r");
+  program.wait_for("second line");
+  program.send(SAVE);
+  program.wait_for("Saved (TXT): diary.txt");
+  EXPECT_EQ(read_bytes(program.home().file("diary.txt")), "Café — 日本 \xF0\x9F\x8D\x80\nsecond line\n");
+  program.send(QUIT);
+  EXPECT_EQ(program.wait_for_end(), IN_ORDER);
+}
+
+TEST(Save, AFormattedDocumentComesBackAsItWas) {
+  ProgramOptions options;
+  options.arguments = {"letter.odt"};
+  std::string package;
+  {
+    PtyProgram program(brenlow_program(), options);
+    program.wait_for("New file: letter.odt");
+    program.send("Dear ");
+    program.send(BOLD);
+    program.send("Ada");
+    program.send(BOLD);
+    program.send(", hello\r");
+    program.send(BREAK);
+    program.send("next page");
+    program.wait_for("next page");
+    program.send(SAVE);
+    program.wait_for("Saved (ODT): letter.odt");
+    package = read_bytes(program.home().file("letter.odt"));
+    program.send(QUIT);
+    EXPECT_EQ(program.wait_for_end(), IN_ORDER);
+  }
+  options.home_files["letter.odt"] = package;
+  PtyProgram program(brenlow_program(), options);
+  program.wait_for("Opened: letter.odt");
+  program.wait_for("Dear Ada, hello");
+  program.wait_for("next page");
+  int row = 0;
+  while (!program.screen().row(row).ends_with("Dear Ada, hello")) ++row;
+  std::string letters = program.screen().attributes(row);
+  EXPECT_TRUE(letters.ends_with(".bbb")) << letters;
+  int broken = row + 1;
+  while (program.screen().row(broken).find("next page") == std::string::npos) ++broken;
+  EXPECT_GT(broken, row + 1) << program.screen().picture();
+}
+
+TEST(Save, UnsavedTextIsNeverLostWithoutAQuestion) {
+  const std::string question = "Unsaved changes. Save before exit? [y/n/c]";
+  for (char answer : {'y', 'n'}) {
+    ProgramOptions options;
+    options.arguments = {"draft.md"};
+    options.home_files["draft.md"] = "draft";
+    PtyProgram program(brenlow_program(), options);
+    program.wait_for("Opened: draft.md");
+    program.send("new ");
+    program.send(QUIT);
+    program.wait_for(question);
+    program.send("c");
+    program.wait_for("Exit cancelled.");
+    program.send(QUIT);
+    program.wait_for(question);
+    program.send(std::string(1, answer) + "\r");
+    EXPECT_EQ(program.wait_for_end(), IN_ORDER);
+    EXPECT_EQ(read_bytes(program.home().file("draft.md")), answer == 'y' ? "new draft" : "draft");
+  }
+}
+
+TEST(Save, AFailedSaveKeepsTheSessionAndItsText) {
+  ProgramOptions options;
+  options.arguments = {"no-such-folder/draft.md"};
+  PtyProgram program(brenlow_program(), options);
+  program.wait_for("New file: draft.md");
+  program.send("precious");
+  program.send(QUIT);
+  program.wait_for("Unsaved changes. Save before exit? [y/n/c]");
+  program.send("y\r");
+  program.wait_for("Save error: ");
+  program.wait_for("precious");
+  program.send(QUIT);
+  program.wait_for("Unsaved changes. Save before exit? [y/n/c]");
+}
+
+}  // namespace
+}  // namespace brenlow::test

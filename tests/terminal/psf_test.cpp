@@ -1,0 +1,103 @@
+#include "terminal/psf.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <random>
+
+#include "tests/support/temporary_folder.h"
+#include "tests/terminal/font_files.h"
+
+namespace brenlow {
+namespace {
+
+using test::gzipped;
+using test::psf1;
+using test::psf2;
+using test::psf2_header;
+
+std::string shape(const std::optional<PsfInfo>& info) {
+  if (!info) return "no font";
+  return std::to_string(info->width) + "x" + std::to_string(info->height) + ", " + std::to_string(info->count) +
+         " of " + std::to_string(info->glyph_size) + " at " + std::to_string(info->offset);
+}
+
+TEST(Psf, FontsOfBothVersionsAreUnderstoodPackedAndPlain) {
+  EXPECT_EQ(shape(psf_info_of(psf1(16))), "8x16, 256 of 16 at 4");
+  EXPECT_EQ(shape(psf_info_of(psf1(200, true) + "unicode table")), "8x200, 512 of 200 at 4");
+  EXPECT_EQ(shape(psf_info_of(psf2(12, 24) + "unicode table")), "12x24, 256 of 48 at 32");
+  EXPECT_EQ(shape(psf_info_of(psf2_header(40, 1, 3, 2, 9) + "12345678glyphs")), "no font") << "two bytes a row";
+  const std::string longer_header = psf2_header(40, 1, 4, 2, 9) + "12345678glyph data";
+  EXPECT_EQ(shape(psf_info_of(longer_header)), "9x2, 1 of 4 at 40");
+  EXPECT_EQ(psf_glyphs(*psf_info_of(longer_header), longer_header), "glyp");
+
+  const test::TemporaryFolder folder;
+  EXPECT_EQ(shape(_psf_info(folder.write("a.psf", psf1(14)))), "8x14, 256 of 14 at 4");
+  EXPECT_EQ(shape(_psf_info(folder.write("a.psf.gz", gzipped(psf2(16, 32))))), "16x32, 256 of 64 at 32");
+}
+
+TEST(Psf, HeadersThatLieAreNoFonts) {
+  const std::string glyphs(4096, 'g');
+  const std::uint32_t most = 0xFFFFFFFF;
+  const std::string liars[] = {"",
+                               "\x36",
+                               "text",
+                               psf1(16).substr(0, 4 + 16 * 256 - 1),
+                               psf1(0),
+                               psf2(8, 16).substr(0, 31),
+                               psf2_header(32, 0, 16, 16, 8) + glyphs,
+                               psf2_header(32, 256, 0, 16, 8) + glyphs,
+                               psf2_header(32, 256, 16, 0, 8) + glyphs,
+                               psf2_header(32, 256, 16, 16, 0) + glyphs,
+                               psf2_header(32, 257, 16, 16, 8) + glyphs,
+                               psf2_header(31, 256, 16, 16, 8) + glyphs,
+                               psf2_header(33, 256, 16, 16, 8) + glyphs,
+                               psf2_header(most, 256, 16, 16, 8) + glyphs,
+                               psf2_header(32, 0x10000000, 16, 16, 8) + glyphs,
+                               psf2_header(32, most, most, 16, 8) + glyphs,
+                               psf2_header(32, 1, 16, most, most) + glyphs,
+                               psf2_header(32, 1, 16, 0x80000000, 16) + glyphs};
+  for (const std::string& liar : liars)
+    EXPECT_EQ(shape(psf_info_of(liar)), "no font") << testing::PrintToString(liar.substr(0, 40));
+}
+
+TEST(Psf, NoHeaderMakesUsReadBehindTheFile) {
+  std::mt19937 source(11);
+  auto random = [&] { return static_cast<std::uint32_t>(source()); };
+  int fonts = 0;
+  for (int round = 0; round < 20'000; ++round) {
+    std::string bytes = round % 2 ? psf1(1 + round % 8) : psf2(1 + random() % 40, 1 + random() % 9, 1 + random() % 4);
+    if (random() % 3 == 0) bytes.resize(random() % (bytes.size() + 1));
+    for (unsigned change = random() % 3; change > 0 && bytes.size() > 4; --change)
+      bytes[4 + random() % std::min<std::size_t>(bytes.size() - 4, 28)] = static_cast<char>(random());
+    const auto info = psf_info_of(bytes);
+    if (!info) continue;
+    ++fonts;
+    const std::string_view glyphs = psf_glyphs(*info, bytes);
+    ASSERT_EQ(glyphs.size(), std::size_t{info->count} * info->glyph_size);
+    ASSERT_GE(std::uint64_t{info->glyph_size} * 8, std::uint64_t(info->width) * std::uint64_t(info->height));
+  }
+  EXPECT_GT(fonts, 5000);
+}
+
+TEST(Psf, DamagedPackedAndEndlessFilesAreRefused) {
+  const test::TemporaryFolder folder;
+  const std::string packed = gzipped(psf1(16));
+  for (std::size_t size = 0; size < packed.size(); ++size)
+    ASSERT_FALSE(gunzip(packed.substr(0, size), 1 << 20)) << size;
+  std::string wrong_sum = packed;
+  wrong_sum[wrong_sum.size() - 8] ^= 1;
+  EXPECT_FALSE(gunzip(wrong_sum, 1 << 20));
+  EXPECT_EQ(gunzip(packed, psf1(16).size()), psf1(16));
+  EXPECT_FALSE(gunzip(packed, psf1(16).size() - 1));
+  EXPECT_FALSE(_read_font_bytes(folder.write("bomb.psf.gz", gzipped(std::string(FONT_FILE_LIMIT + 1, '\0')))));
+  EXPECT_FALSE(_read_font_bytes(folder.write("plain.psf.gz", psf1(16))));
+
+  ASSERT_EQ(::mkfifo(folder.file("pipe.psf").c_str(), 0600), 0);
+  std::filesystem::create_symlink("/dev/zero", folder.file("zero.psf"));
+  for (const char* name : {"pipe.psf", "zero.psf", "absent.psf", "."})
+    EXPECT_FALSE(_read_font_bytes(folder.file(name))) << name;
+}
+
+}  // namespace
+}  // namespace brenlow
