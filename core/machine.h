@@ -7,6 +7,9 @@
 
 namespace brenlow {
 
+// The user's home folder: HOME, else what the user database says.
+std::string home_folder();
+
 // What the machine around a session offers, or lacks. The defaults are the real thing; a test hands in
 // folders of its own.
 struct Machine {

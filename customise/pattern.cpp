@@ -3,8 +3,12 @@
 #define PCRE2_CODE_UNIT_WIDTH 32
 #include <pcre2.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <new>
+#include <optional>
+#include <string>
 
 #include "customise/pattern_dialect.h"
 
@@ -16,7 +20,6 @@ constexpr std::size_t PATTERN_LIMIT = 16 * 1024;      // characters of a source
 constexpr std::size_t BLOCK_LIMIT = 8 * 1024 * 1024;  // bytes of one block of memory, compiled code included
 constexpr std::size_t JIT_CODE_LIMIT = 256 * 1024;    // bytes of compiled code worth machine code
 constexpr std::size_t JIT_STACK_LIMIT = 1024 * 1024;  // bytes
-constexpr std::uint32_t MATCH_LIMIT = 1'000'000;      // of the library, for one position in the line
 constexpr std::uint32_t HEAP_LIMIT = 16 * 1024;       // KiB
 
 // The steps of one scan: a callout is one, and so are CHARACTERS_PER_STEP characters that were run over.
@@ -50,6 +53,8 @@ int count_step(pcre2_callout_block_32* block, void* data) {
   Steps& steps = *static_cast<Steps*>(data);
   if (block->start_match != steps.start) steps.start = steps.reached = block->start_match;
   std::size_t at = block->current_position;
+  // A reference compares at most the characters that were matched so far.
+  if (block->callout_number == 1) steps.left -= static_cast<long>((at - steps.start) / CHARACTERS_PER_STEP);
   if (at > steps.reached) steps.left -= static_cast<long>((at - steps.reached) / CHARACTERS_PER_STEP);
   steps.reached = at;
   return --steps.left < 0 ? PCRE2_ERROR_CALLOUT : 0;
@@ -67,8 +72,6 @@ struct Library {
   Library() {
     if (!general || !compile || !match || !data) throw std::bad_alloc();
     pcre2_set_newline_32(compile.get(), PCRE2_NEWLINE_LF);
-    pcre2_set_match_limit_32(match.get(), MATCH_LIMIT);
-    pcre2_set_depth_limit_32(match.get(), MATCH_LIMIT);
     pcre2_set_heap_limit_32(match.get(), HEAP_LIMIT);
     pcre2_set_callout_32(match.get(), count_step, &steps);
     if (stack) pcre2_jit_stack_assign_32(match.get(), nullptr, stack.get());
@@ -103,7 +106,10 @@ std::shared_ptr<const Pattern> Pattern::compile(std::u32string_view python) {
 }
 
 PatternScan::PatternScan(const Pattern& pattern, std::u32string_view line) : _code(pattern._code.get()), _line(line) {
-  library().steps = {STEPS_PER_LINE + STEPS_PER_CHARACTER * static_cast<long>(line.size())};
+  Library& shared = library();
+  shared.steps = {STEPS_PER_LINE + STEPS_PER_CHARACTER * static_cast<long>(line.size())};
+  auto limit = static_cast<std::uint32_t>(std::min<long>(shared.steps.left, std::numeric_limits<std::uint32_t>::max()));
+  pcre2_set_match_limit_32(shared.match.get(), limit);
 }
 
 bool PatternScan::next() {

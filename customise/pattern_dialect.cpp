@@ -34,7 +34,8 @@ namespace {
 
 struct Refused {};
 
-constexpr std::u32string_view CALLOUT = U"(?C)";
+constexpr std::u32string_view STEP = U"(?C)";
+constexpr std::u32string_view STEP_BEFORE_REFERENCE = U"(?C1)";
 
 bool is_digit(char32_t c) { return c >= U'0' && c <= U'9'; }
 bool is_octal(char32_t c) { return c >= U'0' && c <= U'7'; }
@@ -183,16 +184,16 @@ class Translation {
   }
 
   void _branch() {
-    if (_open.size() > 1) _out += CALLOUT;
+    if (_open.size() > 1) _out += STEP;
     _open.back().has_branches = true;
     _assertion(U"|");
   }
 
-  void _repeat(const std::u32string& quantifier, bool variable) {
+  void _repeat(const std::u32string& quantifier, bool counted) {
     if (!_repeatable) throw Refused();
     _out += quantifier;
     if (_peek() == U'?' || _peek() == U'+') _out += _take();
-    if (variable) _out += CALLOUT;
+    if (counted) _out += STEP;
     _repeatable = false;
   }
 
@@ -207,7 +208,9 @@ class Translation {
       return _character(U'{');
     }
     if (low.empty()) low = U"0";
-    _repeat(U"{" + low + (comma ? U"," + high : U"") + U"}", comma);
+    // A small fixed count is no more work than the characters written out, and those may speed up the search.
+    bool counted = comma || low.size() > 1;
+    _repeat(U"{" + low + (comma ? U"," + high : U"") + U"}", counted);
   }
 
   // ---- escapes
@@ -291,6 +294,7 @@ class Translation {
 
   void _reference(int number) {
     if (number > _groups() || !_closed[static_cast<std::size_t>(number)]) throw Refused();
+    _out += STEP_BEFORE_REFERENCE;
     _out += U"\\g{";
     _append_number(number);
     _atom(U"}");
@@ -357,7 +361,7 @@ class Translation {
 
   void _close_group() {
     if (_open.size() == 1) throw Refused();
-    if (_open.back().has_branches) _out += CALLOUT;
+    if (_open.back().has_branches) _out += STEP;
     if (_open.back().number > 0) _closed[static_cast<std::size_t>(_open.back().number)] = true;
     _open.pop_back();
     _atom(U")");

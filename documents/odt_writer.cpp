@@ -99,7 +99,7 @@ std::string paragraphs(const std::vector<Text>& lines, const std::vector<SpanLis
 // and cannot be read is a failure: what it holds would be lost.
 XmlTree base_tree(const std::optional<PackageReader>& old) {
   if (old && old->has("content.xml")) {
-    XmlTree tree = read_content(*old);
+    XmlTree tree = read_content(*old, true);
     if (find_office_text(tree.root())) return tree;
   }
   return XmlTree::parse(MINIMAL_CONTENT, "content.xml");

@@ -27,8 +27,10 @@ struct ParseState {
   std::size_t nodes = 0;
   int depth = 0;
   bool too_long_for_doctype = false;
-  const char* refusal = nullptr;  // why the parsing was stopped
-  std::string first_error;        // the later ones only follow from it
+  const XmlPlace* emptied = nullptr;  // not met yet
+  int skipped_below = 0;              // the depth of the element that stays empty, while within it
+  const char* refusal = nullptr;      // why the parsing was stopped
+  std::string first_error;            // the later ones only follow from it
 };
 
 xmlParserCtxt* parser_of(void* context) { return static_cast<xmlParserCtxt*>(context); }
@@ -46,40 +48,58 @@ void count_nodes(void* context, std::size_t added) {
   if (state.nodes > MAX_XML_NODES) refuse(context, "too many elements");
 }
 
+// Whether a node is to be built.
+bool wanted(void* context) { return !state_of(context).refusal && state_of(context).skipped_below == 0; }
+
+bool is_emptied(const ParseState& state, const XmlNode* node) {
+  constexpr int PLACE_DEPTH = 3;
+  return state.emptied && state.depth == PLACE_DEPTH && node && node->parent &&
+         is_element(node, state.emptied->uri, state.emptied->name) &&
+         is_element(node->parent, state.emptied->uri, state.emptied->parent);
+}
+
 void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaces_count,
                    const xmlChar** namespaces, int attributes_count, int defaulted, const xmlChar** attributes) {
+  ParseState& state = state_of(context);
+  if (++state.depth > MAX_DEPTH) refuse(context, "elements nested too deeply");
+  if (!wanted(context)) return;
   count_nodes(context, 1 + 2 * static_cast<std::size_t>(attributes_count) + static_cast<std::size_t>(namespaces_count));
-  if (++state_of(context).depth > MAX_DEPTH) refuse(context, "elements nested too deeply");
-  if (state_of(context).refusal) return;
   xmlSAX2StartElementNs(context, name, prefix, uri, namespaces_count, namespaces, attributes_count, defaulted,
                         attributes);
+  if (!is_emptied(state, parser_of(context)->node)) return;
+  state.emptied = nullptr;
+  state.skipped_below = state.depth;
 }
 
 void end_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
-  --state_of(context).depth;
-  if (state_of(context).refusal) return;
-  xmlSAX2EndElementNs(context, name, prefix, uri);
+  ParseState& state = state_of(context);
+  if (state.depth-- == state.skipped_below) state.skipped_below = 0;
+  if (wanted(context)) xmlSAX2EndElementNs(context, name, prefix, uri);
 }
 
 void characters(void* context, const xmlChar* text, int length) {
+  if (!wanted(context)) return;
   const XmlNode* parent = parser_of(context)->node;
   if (parent && !(parent->last && parent->last->type == XML_TEXT_NODE)) count_nodes(context, 1);
-  if (!state_of(context).refusal) xmlSAX2Characters(context, text, length);
+  xmlSAX2Characters(context, text, length);
 }
 
 void comment(void* context, const xmlChar* text) {
+  if (!wanted(context)) return;
   count_nodes(context, 1);
-  if (!state_of(context).refusal) xmlSAX2Comment(context, text);
+  xmlSAX2Comment(context, text);
 }
 
 void processing_instruction(void* context, const xmlChar* target, const xmlChar* data) {
+  if (!wanted(context)) return;
   count_nodes(context, 1);
-  if (!state_of(context).refusal) xmlSAX2ProcessingInstruction(context, target, data);
+  xmlSAX2ProcessingInstruction(context, target, data);
 }
 
 void cdata_block(void* context, const xmlChar* text, int length) {
+  if (!wanted(context)) return;
   count_nodes(context, 1);
-  if (!state_of(context).refusal) xmlSAX2CDataBlock(context, text, length);
+  xmlSAX2CDataBlock(context, text, length);
 }
 
 // Without the huge option libxml2 watches how far entities blow the content up. Entities need a document
@@ -141,7 +161,7 @@ std::string_view text_of(const xmlChar* characters) {
 
 void XmlDocFree::operator()(_xmlDoc* document) const { xmlFreeDoc(document); }
 
-XmlTree XmlTree::parse(std::string_view bytes, const std::string& what) {
+XmlTree XmlTree::parse(std::string_view bytes, const std::string& what, const XmlPlace* emptied) {
   static const LibraryQuiet quiet;
   if (bytes.empty()) throw Failure(what + ": empty");
   if (bytes.size() > (std::size_t{1} << 30)) throw Failure(what + ": too large");
@@ -149,6 +169,7 @@ XmlTree XmlTree::parse(std::string_view bytes, const std::string& what) {
   if (!parser) throw std::bad_alloc();
   ParseState state;
   state.too_long_for_doctype = bytes.size() > MAX_BYTES_WITH_DOCTYPE;
+  state.emptied = emptied;
   parser->_private = &state;
   install_handlers(*parser->sax);
   std::unique_ptr<_xmlDoc, XmlDocFree> document(

@@ -19,12 +19,20 @@ struct XmlDocFree {
   void operator()(_xmlDoc* document) const;
 };
 
+// An element's place: its own name and its parent's, both in the namespace `uri`, the parent a child of the root.
+struct XmlPlace {
+  std::string_view uri;
+  std::string_view parent;
+  std::string_view name;
+};
+
 // A parsed XML document. Text of internal entities is in place; comments and processing instructions are
 // nodes of their own. The depth and the number of nodes are bounded.
 class XmlTree {
  public:
   // `what` names the document in the text of a Failure. No file and no network is ever asked for anything.
-  static XmlTree parse(std::string_view bytes, const std::string& what);
+  // The first element at `emptied` comes without its content, which is checked all the same.
+  static XmlTree parse(std::string_view bytes, const std::string& what, const XmlPlace* emptied = nullptr);
   const XmlNode* root() const;
 
  private:

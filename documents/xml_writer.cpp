@@ -92,6 +92,12 @@ class Serialiser {
     return _insertion(node, XmlInsertion::Place::INSTEAD_OF_CHILDREN) ? nullptr : node->children;
   }
 
+  bool _is_empty(const XmlNode* node) const {
+    using Place = XmlInsertion::Place;
+    return !node->children && !_insertion(node, Place::INSTEAD_OF_CHILDREN) &&
+           !_insertion(node, Place::BEHIND_CHILDREN);
+  }
+
   const XmlNode* _next(const XmlNode* node, const XmlNode* children) const {
     if (children) return children;
     while (node != _root && !node->next) node = node->parent;
@@ -159,12 +165,17 @@ class Serialiser {
       _append_name(at->ns, at->name);
       _append_attribute(at->children ? text_of(at->children->content) : std::string_view());
     }
+    if (_is_empty(node)) return;
     _out += '>';
     if (const XmlInsertion* inner = _insertion(node, XmlInsertion::Place::INSTEAD_OF_CHILDREN)) _out += inner->markup;
   }
 
   void _close(const XmlNode* node) {
     if (node->type != XML_ELEMENT_NODE) return;
+    if (_is_empty(node)) {
+      _out += "/>";
+      return;
+    }
     if (const XmlInsertion* last = _insertion(node, XmlInsertion::Place::BEHIND_CHILDREN)) _out += last->markup;
     _out += "</";
     _append_name(node->ns, node->name);

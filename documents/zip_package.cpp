@@ -50,6 +50,26 @@ unsigned little_endian(std::string_view bytes, std::size_t at, int count) {
   return value;
 }
 
+// Where the records of the members begin in the central directory (PKWARE APPNOTE 6.3, section 4.3.12), or
+// nothing when they are not as many as `count`: an archive beyond 4 GiB or an unusual comment.
+std::vector<std::size_t> central_records(std::string_view bytes, std::int64_t count) {
+  constexpr std::size_t END_SIZE = 22, HEADER_SIZE = 46;
+  std::size_t end = bytes.rfind("PK\5\6");
+  if (end == std::string_view::npos || end + END_SIZE > bytes.size()) return {};
+  std::size_t at = little_endian(bytes, end + 16, 4);
+  std::vector<std::size_t> records;
+  while (at < end && end - at >= HEADER_SIZE && bytes.substr(at, 4) == "PK\1\2") {
+    records.push_back(at);
+    at += HEADER_SIZE + little_endian(bytes, at + 28, 2) + little_endian(bytes, at + 30, 2) +
+          little_endian(bytes, at + 32, 2);
+  }
+  if (records.size() != static_cast<std::size_t>(count)) records.clear();
+  return records;
+}
+
+// DOS time and date in the records of the central directory and in the local headers.
+constexpr std::size_t CENTRAL_STAMP = 12, LOCAL_STAMP = 10, STAMP_SIZE = 4, LOCAL_HEADER_SIZE = 30;
+
 }  // namespace
 
 void ZipDiscard::operator()(zip* archive) const { zip_discard(archive); }
@@ -75,28 +95,10 @@ PackageReader PackageReader::from_bytes(std::string bytes) {
   refuse_no_members(archive.get());
 
   PackageReader reader(std::move(archive));
-  reader._times = _read_times(*kept);
-  if (reader._times.size() != static_cast<std::size_t>(zip_get_num_entries(reader._archive.get(), 0)))
-    reader._times.clear();
+  for (std::size_t record : central_records(*kept, zip_get_num_entries(reader._archive.get(), 0)))
+    reader._stamps.push_back(kept->substr(record + CENTRAL_STAMP, STAMP_SIZE));
   reader._bytes = std::move(kept);
   return reader;
-}
-
-// libzip gives time stamps in seconds by way of the local time zone, which loses the hour that summer time
-// skips; so they are taken from the directory itself (PKWARE APPNOTE 6.3, sections 4.3.12 and 4.3.16).
-std::vector<PackageReader::DosTime> PackageReader::_read_times(std::string_view bytes) {
-  constexpr std::size_t END_SIZE = 22, HEADER_SIZE = 46;
-  std::size_t end = bytes.rfind(std::string_view("PK\5\6"));
-  if (end == std::string_view::npos || end + END_SIZE > bytes.size()) return {};
-  std::size_t at = little_endian(bytes, end + 16, 4);
-  std::vector<DosTime> times;
-  while (at < end && end - at >= HEADER_SIZE && bytes.substr(at, 4) == std::string_view("PK\1\2")) {
-    times.push_back({static_cast<std::uint16_t>(little_endian(bytes, at + 12, 2)),
-                     static_cast<std::uint16_t>(little_endian(bytes, at + 14, 2))});
-    at += HEADER_SIZE + little_endian(bytes, at + 28, 2) + little_endian(bytes, at + 30, 2) +
-          little_endian(bytes, at + 32, 2);
-  }
-  return times;
 }
 
 bool PackageReader::has(const std::string& member) const {
@@ -161,11 +163,10 @@ std::uint64_t PackageWriter::_add_content(const std::string& name, std::string c
 }
 
 void PackageWriter::add_stored(const std::string& name, std::string content) {
-  constexpr std::uint16_t DATE_1980_01_01 = (1 << 5) | 1;
   std::uint64_t index = _add_content(name, std::move(content));
-  if (zip_set_file_compression(_archive.get(), index, ZIP_CM_STORE, 0) != 0 ||
-      zip_file_set_dostime(_archive.get(), index, 0, DATE_1980_01_01, 0) != 0)
+  if (zip_set_file_compression(_archive.get(), index, ZIP_CM_STORE, 0) != 0)
     throw member_failure(name, zip_strerror(_archive.get()));
+  _stamps.emplace_back(index, std::string("\0\0\x21\0", STAMP_SIZE));
 }
 
 void PackageWriter::add_deflated(const std::string& name, std::string content) {
@@ -203,11 +204,8 @@ void PackageWriter::_copy_member(const PackageReader& old, std::uint64_t index) 
   // Asked for nothing, libzip keeps every method but "stored", which it would deflate.
   if (status.comp_method == ZIP_CM_STORE)
     check(_archive.get(), zip_set_file_compression(_archive.get(), at, ZIP_CM_STORE, 0) == 0);
-  if (!old._times.empty())
-    check(_archive.get(),
-          zip_file_set_dostime(_archive.get(), at, old._times[index].time, old._times[index].date, 0) == 0);
-  else
-    check(_archive.get(), zip_file_set_mtime(_archive.get(), at, status.mtime, 0) == 0);
+  check(_archive.get(), zip_file_set_mtime(_archive.get(), at, status.mtime, 0) == 0);
+  if (!old._stamps.empty()) _stamps.emplace_back(at, old._stamps[index]);
 
   zip_uint8_t system = 0;
   zip_uint32_t attributes = 0;
@@ -229,6 +227,7 @@ void PackageWriter::_copy_member(const PackageReader& old, std::uint64_t index) 
 }
 
 std::string PackageWriter::finish() {
+  std::int64_t count = zip_get_num_entries(_archive.get(), 0);
   if (zip_close(_archive.get()) != 0) throw Failure(zip_strerror(_archive.get()));
   (void)_archive.release();  // freed by the successful close
 
@@ -245,7 +244,21 @@ std::string PackageWriter::finish() {
   bool complete = filled == bytes.size();
   zip_source_close(_target);
   if (!complete) throw failure();
+  _set_stamps(bytes, count);
   return bytes;
+}
+
+// libzip takes time stamps by way of the local time zone, which loses the hour that summer time skips and
+// dates that are none; so they are put into the finished archive.
+void PackageWriter::_set_stamps(std::string& bytes, std::int64_t count) const {
+  const std::vector<std::size_t> records = central_records(bytes, count);
+  if (records.empty()) return;
+  for (const auto& [index, stamp] : _stamps) {
+    std::size_t local = little_endian(bytes, records[index] + 42, 4);
+    if (local + LOCAL_HEADER_SIZE > bytes.size()) continue;
+    bytes.replace(records[index] + CENTRAL_STAMP, STAMP_SIZE, stamp);
+    bytes.replace(local + LOCAL_STAMP, STAMP_SIZE, stamp);
+  }
 }
 
 std::string read_package_member(const std::string& path, const std::string& member) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 struct zip;
@@ -34,17 +35,11 @@ class PackageReader {
 
  private:
   friend class PackageWriter;
-  // Time and date of a member as they stand in the archive's directory.
-  struct DosTime {
-    std::uint16_t time;
-    std::uint16_t date;
-  };
   explicit PackageReader(ZipHandle archive) : _archive(std::move(archive)) {}
-  static std::vector<DosTime> _read_times(std::string_view bytes);
 
   std::unique_ptr<std::string> _bytes;  // at a fixed address, because the archive reads from it
   ZipHandle _archive;
-  std::vector<DosTime> _times;  // parallel to the members; empty where the directory is out of the ordinary
+  std::vector<std::string> _stamps;  // time and date of every member as found; empty if not told
 };
 
 // Composes a ZIP archive in memory, member by member in their final order.
@@ -68,10 +63,12 @@ class PackageWriter {
   std::uint64_t _add(const std::string& name, zip_source* content, unsigned name_encoding);
   std::uint64_t _add_content(const std::string& name, std::string content);
   void _copy_member(const PackageReader& old, std::uint64_t index);
+  void _set_stamps(std::string& bytes, std::int64_t count) const;
 
   std::vector<std::unique_ptr<std::string>> _contents;  // read by finish()
   zip_source* _target;                                  // one reference of ours, one of the archive
   ZipHandle _archive;
+  std::vector<std::pair<std::uint64_t, std::string>> _stamps;  // member and its time and date
 };
 
 // One member of the package at `path`. Throws Failure.

@@ -75,7 +75,7 @@ TEST(Save, UnsavedTextIsNeverLostWithoutAQuestion) {
     program.wait_for("Exit cancelled.");
     program.send(QUIT);
     program.wait_for(question);
-    program.send(std::string(1, answer) + "\r");
+    program.send(std::string(1, answer));
     EXPECT_EQ(program.wait_for_end(), IN_ORDER);
     EXPECT_EQ(read_bytes(program.home().file("draft.md")), answer == 'y' ? "new draft" : "draft");
   }
@@ -89,7 +89,7 @@ TEST(Save, AFailedSaveKeepsTheSessionAndItsText) {
   program.send("precious");
   program.send(QUIT);
   program.wait_for("Unsaved changes. Save before exit? [y/n/c]");
-  program.send("y\r");
+  program.send("y");
   program.wait_for("Save error: ");
   program.wait_for("precious");
   program.send(QUIT);

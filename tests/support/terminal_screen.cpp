@@ -57,9 +57,14 @@ void TerminalScreen::resize(int rows, int cols) {
   _cols = cols;
 }
 
-std::string TerminalScreen::row(int y) const {
+std::string TerminalScreen::_whole_row(int y) const {
   std::string text;
   for (int x = 0; x < _cols; ++x) text += cell(y, x).text;
+  return text;
+}
+
+std::string TerminalScreen::row(int y) const {
+  std::string text = _whole_row(y);
   text.erase(text.find_last_not_of(' ') + 1);
   return text;
 }
@@ -72,7 +77,7 @@ std::vector<std::string> TerminalScreen::all_rows() const {
 
 bool TerminalScreen::shows(std::string_view text) const {
   for (int y = 0; y < _rows; ++y)
-    if (row(y).find(text) != std::string::npos) return true;
+    if (_whole_row(y).find(text) != std::string::npos) return true;
   return false;
 }
 

@@ -56,6 +56,7 @@ class TerminalScreen {
     void operator()(VTerm* terminal) const;
   };
 
+  std::string _whole_row(int y) const;
   void _note_cursor_shape(std::string_view bytes);
 
   std::unique_ptr<VTerm, FreeTerminal> _terminal;
