@@ -13,8 +13,8 @@ std::string home_folder();
 // What the machine around a session offers, or lacks. The defaults are the real thing; a test hands in
 // folders of its own.
 struct Machine {
-  ConfigFiles files = config_files("");  // home "" stands for the user's own
-  std::string tty = "/dev/tty";          // where escape sequences and console requests go
+  ConfigFiles files = config_files(home_folder());
+  std::string tty = "/dev/tty";  // where escape sequences and console requests go
   std::string power_supplies = "/sys/class/power_supply";
   std::vector<std::string> font_dirs;  // empty: FONT_DIRS
   std::string search_path;             // for external tools; empty: PATH
