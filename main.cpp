@@ -66,6 +66,9 @@ void edit(WINDOW* window, std::optional<std::string> path) {
     editor.run();
   } catch (const StopRequest&) {
     std::atexit(clear_terminal);
+  } catch (...) {
+    editor._give_terminal_back();
+    throw;
   }
 }
 
