@@ -19,6 +19,7 @@
 #include "core/keys.h"
 #include "core/machine.h"
 #include "core/undo_record.h"
+#include "core/version.h"
 #include "customise/escape_map.h"
 #include "customise/expansions.h"
 #include "customise/key_map.h"
@@ -31,8 +32,6 @@
 struct _win_st;  // the screen library's window
 
 namespace brenlow {
-
-inline constexpr std::string_view VERSION = "1.2";
 
 // Raised by do_exit, caught around run. Not an std::exception, so that a command that catches every
 // failure does not swallow it.
@@ -206,6 +205,9 @@ class Editor {
   void move(int key);
   void _move_left();
   void _move_right();
+  // Does the motion; from a line that the line filter or a folded chapter hides the cursor goes on in the
+  // direction (-1 up, 1 down) to the near end of the next line shown. With none left it stays where it was.
+  void _within_shown_lines(int direction, const std::function<void()>& motion);
   void _move_rows(int rows, bool within_row);
   void _word_left();
   void _word_right();

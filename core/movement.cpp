@@ -40,36 +40,47 @@ void Editor::move(int key) {
 
 void Editor::_move_left() {
   _preferred_col.reset();
-  int old_cx = cx;
-  int old_cy = cy;
-  if (cx > 0) {
-    --cx;
-  } else if (cy > 0) {
-    --cy;
-    cx = _line_length(cy);
-  }
-  if (!_kgrep_folds.contains(cy)) return;
-  int visible = cy - 1;
-  while (visible >= 0 && _kgrep_folds.contains(visible)) --visible;
-  cy = visible >= 0 ? visible : old_cy;
-  cx = visible >= 0 ? _line_length(cy) : old_cx;
+  _within_shown_lines(-1, [this] {
+    if (cx > 0) {
+      --cx;
+    } else if (cy > 0) {
+      --cy;
+      cx = _line_length(cy);
+    }
+  });
 }
 
 void Editor::_move_right() {
   _preferred_col.reset();
-  int old_cx = cx;
+  _within_shown_lines(1, [this] {
+    if (cx < _line_length(cy)) {
+      ++cx;
+    } else if (cy + 1 < _line_count()) {
+      ++cy;
+      cx = 0;
+    }
+  });
+}
+
+void Editor::_within_shown_lines(int direction, const std::function<void()>& motion) {
   int old_cy = cy;
-  if (cx < _line_length(cy)) {
-    ++cx;
-  } else if (cy + 1 < _line_count()) {
-    ++cy;
-    cx = 0;
+  int old_cx = cx;
+  motion();
+  if (_kgrep_folds.empty() && _folded_chapters.empty()) return;
+  if (!_folded_chapters.empty()) _build_screen_map();
+  auto hidden = [this](int ly) {
+    return _kgrep_folds.contains(ly) || (!_folded_chapters.empty() && _sm_lines[static_cast<std::size_t>(ly)] == 0);
+  };
+  if (!hidden(cy)) return;
+  int shown = cy + direction;
+  while (shown >= 0 && shown < _line_count() && hidden(shown)) shown += direction;
+  if (shown < 0 || shown == _line_count()) {
+    cy = old_cy;
+    cx = old_cx;
+  } else {
+    cy = shown;
+    cx = direction < 0 ? _line_length(shown) : 0;
   }
-  if (!_kgrep_folds.contains(cy)) return;
-  int visible = cy + 1;
-  while (visible < _line_count() && _kgrep_folds.contains(visible)) ++visible;
-  cy = visible < _line_count() ? visible : old_cy;
-  cx = visible < _line_count() ? 0 : old_cx;
 }
 
 // Moves by displayed rows to the remembered column; `within_row` keeps the cursor inside the row's text.
@@ -89,32 +100,34 @@ void Editor::_move_rows(int rows_down, bool within_row) {
 }
 
 void Editor::_word_left() {
-  if (cx == 0) {
-    if (cy > 0) {
+  _within_shown_lines(-1, [this] {
+    if (cx == 0) {
+      if (cy == 0) return;
       --cy;
       cx = _line_length(cy);
+      return;
     }
-    return;
-  }
-  const Text& text = _line(cy);
-  auto blank_before = [&] { return text[static_cast<std::size_t>(cx - 1)] == U' '; };
-  while (cx > 0 && blank_before()) --cx;
-  while (cx > 0 && !blank_before()) --cx;
+    const Text& text = _line(cy);
+    auto blank_before = [&] { return text[static_cast<std::size_t>(cx - 1)] == U' '; };
+    while (cx > 0 && blank_before()) --cx;
+    while (cx > 0 && !blank_before()) --cx;
+  });
 }
 
 void Editor::_word_right() {
-  int length = _line_length(cy);
-  if (cx >= length) {
-    if (cy + 1 < _line_count()) {
+  _within_shown_lines(1, [this] {
+    int length = _line_length(cy);
+    if (cx >= length) {
+      if (cy + 1 == _line_count()) return;
       ++cy;
       cx = 0;
+      return;
     }
-    return;
-  }
-  const Text& text = _line(cy);
-  auto blank_here = [&] { return text[static_cast<std::size_t>(cx)] == U' '; };
-  while (cx < length && !blank_here()) ++cx;
-  while (cx < length && blank_here()) ++cx;
+    const Text& text = _line(cy);
+    auto blank_here = [&] { return text[static_cast<std::size_t>(cx)] == U' '; };
+    while (cx < length && !blank_here()) ++cx;
+    while (cx < length && blank_here()) ++cx;
+  });
 }
 
 int Editor::_fmt_at(int ly, int col) const {

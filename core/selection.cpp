@@ -35,6 +35,7 @@ void Editor::do_select_all() {
   _sel_anchor = {0, 0};
   cy = last;
   cx = end;
+  _unfold_around(cy);  // at a header above, the cursor would leave the document's end unselected
   _preferred_col.reset();
   _show_message("All selected.");
 }
@@ -47,13 +48,14 @@ void Editor::_apply_fmt_to_selection(int bit) {
     auto [first, last] = _range_columns(*range, ly);
     all_over = format_covers(_fmt(ly), first, last, bit);
   }
-  _edit_document([&] {
-    _invalidate_map();
-    for (int ly = range->sy; ly <= range->ey; ++ly) {
-      auto [first, last] = _range_columns(*range, ly);
-      if (first < last) _fmt(ly) = spans_with_bit(_fmt(ly), _line_length(ly), first, last, bit, !all_over);
-    }
-  });
+  _push_undo_bulk();
+  _invalidate_map();
+  for (int ly = range->sy; ly <= range->ey; ++ly) {
+    auto [first, last] = _range_columns(*range, ly);
+    if (first < last) _fmt(ly) = spans_with_bit(_fmt(ly), _line_length(ly), first, last, bit, !all_over);
+  }
+  modified = true;
+  _finalize_undo_bulk();
   _sel_clear();
   _show_message(std::string(bit == FMT_BOLD ? "Bold " : "Italic ") + (all_over ? "off" : "on") + " on selection");
 }

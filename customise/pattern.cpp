@@ -22,9 +22,11 @@ constexpr std::size_t JIT_CODE_LIMIT = 256 * 1024;    // bytes of compiled code 
 constexpr std::size_t JIT_STACK_LIMIT = 1024 * 1024;  // bytes
 constexpr std::uint32_t HEAP_LIMIT = 16 * 1024;       // KiB
 
-// The steps of one scan: a callout is one, and so are CHARACTERS_PER_STEP characters that were run over.
+// The steps of one scan: a callout is one, and so are CHARACTERS_PER_STEP characters that were run over. The
+// library's own limit cannot serve alone: it starts afresh at each position of the line, and machine code
+// does not count all that an interpreter does.
 constexpr long STEPS_PER_LINE = 20'000;
-constexpr long STEPS_PER_CHARACTER = 64;
+constexpr long STEPS_PER_CHARACTER = 16;
 constexpr std::size_t CHARACTERS_PER_STEP = 16;
 
 struct Deleter {
@@ -53,9 +55,13 @@ int count_step(pcre2_callout_block_32* block, void* data) {
   Steps& steps = *static_cast<Steps*>(data);
   if (block->start_match != steps.start) steps.start = steps.reached = block->start_match;
   std::size_t at = block->current_position;
+  // Within a lookbehind the position may lie before the start.
+  auto run_over = [&](std::size_t from) {
+    if (at > from) steps.left -= static_cast<long>((at - from) / CHARACTERS_PER_STEP);
+  };
   // A reference compares at most the characters that were matched so far.
-  if (block->callout_number == 1) steps.left -= static_cast<long>((at - steps.start) / CHARACTERS_PER_STEP);
-  if (at > steps.reached) steps.left -= static_cast<long>((at - steps.reached) / CHARACTERS_PER_STEP);
+  if (block->callout_number == 1) run_over(steps.start);
+  run_over(steps.reached);
   steps.reached = at;
   return --steps.left < 0 ? PCRE2_ERROR_CALLOUT : 0;
 }

@@ -67,6 +67,10 @@ constexpr Shorthand SHORTHANDS[] = {
     {U's', U"[\\s\\x{1C}-\\x{1F}]", U"\\s\\x{1C}-\\x{1F}", U"[ \\t-\\r]", U" \\t-\\r"},
     {U'S', U"[^\\s\\x{1C}-\\x{1F}]", NO_SPACE, U"[^ \\t-\\r]", U"\\x{0}-\\x{8}\\x{E}-\\x{1F}\\!-\\x{10FFFF}"},
 };
+// The letters of escapes for control characters, and these characters.
+constexpr std::u32string_view CONTROL_LETTERS = U"afnrtv";
+constexpr std::u32string_view CONTROLS = U"\a\f\n\r\t\v";
+
 constexpr std::u32string_view ASCII_BOUNDARY =
     U"(?:(?<=[A-Za-z0-9_])(?![A-Za-z0-9_])|(?<![A-Za-z0-9_])(?=[A-Za-z0-9_]))";
 constexpr std::u32string_view ASCII_NO_BOUNDARY =
@@ -236,28 +240,10 @@ class Translation {
 
   // The one character an escape stands for.
   char32_t _escaped_character(char32_t c) {
-    switch (c) {
-      case U'a':
-        return U'\a';
-      case U'f':
-        return U'\f';
-      case U'n':
-        return U'\n';
-      case U'r':
-        return U'\r';
-      case U't':
-        return U'\t';
-      case U'v':
-        return U'\v';
-      case U'x':
-        return _hex(2);
-      case U'u':
-        return _hex(4);
-      case U'U':
-        return _hex(8);
-      default:
-        break;
-    }
+    if (c == U'x') return _hex(2);
+    if (c == U'u') return _hex(4);
+    if (c == U'U') return _hex(8);
+    if (std::size_t control = CONTROL_LETTERS.find(c); control != CONTROL_LETTERS.npos) return CONTROLS[control];
     if (is_letter(c) || is_digit(c)) throw Refused();
     return c;
   }

@@ -26,8 +26,18 @@ bool define_pair(int pair, int foreground) {
 // The library's scale of a colour component.
 int thousandths(int component) { return component * 1000 / 255; }
 
+// With this many colours the terminal has no palette beyond the basic eight: a number is red, green and blue.
+constexpr int DIRECT_COLORS = 1 << 24;
+constexpr int BASIC_COLORS = 8;
+
+int direct_color(const StyleSpec& style) {
+  int color = style.r << 16 | style.g << 8 | style.b;
+  return color < BASIC_COLORS ? COLOR_BLACK : color;
+}
+
 // Colour slot and pair share one number.
 bool define_rgb(int number, const StyleSpec& style, const std::string& tty) {
+  if (COLORS >= DIRECT_COLORS) return define_pair(number, direct_color(style));
   if (number < COLORS && ::can_change_color() &&
       ::init_extended_color(number, thousandths(style.r), thousandths(style.g), thousandths(style.b)) != ERR &&
       define_pair(number, number))

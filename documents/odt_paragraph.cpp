@@ -162,6 +162,7 @@ void _runs_to_line_fmt(const RunList& runs, DocumentTriple& document) {
       run_start = run_end;
       ++run;
     }
+    if (document.lines.size() == MAX_ODT_LINES) throw Failure("content.xml: too many lines");
     document.lines.emplace_back(text.substr(start, end - start));
     document.fmt_lines.push_back(span_list(spans));
     if (end == text.size()) return;

@@ -28,7 +28,10 @@ bool is_paragraph(const XmlNode* node);
 void _collect_rich(const XmlNode* elem, TextAttributes base, const StyleMap& style_map, std::size_t& spaces_left,
                    RunList& out);
 
-// Appends the lines of the paragraph to `document`, at least one.
+// More lines than anybody's prose, and than a saved document can have.
+inline constexpr std::size_t MAX_ODT_LINES = std::size_t{16} << 20;
+
+// Appends the lines of the paragraph to `document`, at least one. Throws Failure.
 void _runs_to_line_fmt(const RunList& runs, DocumentTriple& document);
 
 }  // namespace brenlow

@@ -19,7 +19,6 @@ namespace {
 
 // A few bytes of markup can ask for any number of blanks; nobody's prose has that many.
 constexpr std::size_t MAX_COUNTED_SPACES = std::size_t{64} << 20;
-constexpr std::size_t MAX_LINES = std::size_t{64} << 20;
 
 struct Styles {
   StyleMap attributes;
@@ -61,7 +60,6 @@ DocumentTriple read_paragraphs(const XmlNode* office_text, const Styles& styles)
     _collect_rich(node, base, styles.attributes, spaces_left, runs);
     if (styles.pagebreaks.contains(style_name)) pagebreaks.push_back(static_cast<int>(document.lines.size()));
     _runs_to_line_fmt(runs, document);
-    if (document.lines.size() > MAX_LINES) throw Failure("content.xml: too many lines");
   }
   if (document.lines.empty()) return {};
   document.pagebreak_lines = IndexSet::from_sorted(pagebreaks);

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "core/editor.h"
+#include "core/failure.h"
 #include "core/unicode.h"
 #include "customise/recent_files.h"
 #include "documents/odt_reader.h"
@@ -81,6 +82,7 @@ bool Editor::_confirm_overwrite(const std::string& path) {
 
 void Editor::_save_to(const std::string& path) {
   try {
+    if (path.ends_with('/')) throw Failure("the path ends in a folder and names no file");
     SaveRoute route = save_route(path, _default_extension);
     bool plain = is_plain_text_extension(route.extension);
     if (plain && _has_formatting() &&

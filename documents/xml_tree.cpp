@@ -4,7 +4,9 @@
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "core/failure.h"
@@ -17,7 +19,14 @@ namespace {
 // The deepest tree must be safe for library versions that free recursively.
 constexpr int MAX_DEPTH = 20'000;
 // With a document type declaration, entities can multiply the content tenfold before libxml2 stops them.
-constexpr int MAX_BYTES_WITH_DOCTYPE = 4 << 20;
+constexpr std::size_t MAX_BYTES_WITH_DOCTYPE = 4 << 20;
+// libxml2 takes quadratic time for the attributes of one tag, for all names of a document (beyond some ten
+// thousand), and for namespaces looked up from the depth. Documents of office programs stay far below.
+constexpr int MAX_ATTRIBUTES = 1000;
+constexpr std::size_t MAX_ENTITY_BYTES = 1 << 16;
+constexpr std::size_t MAX_BYTES_UNSEEN = 1 << 20;  // in an encoding in which tags cannot be looked at beforehand
+constexpr int MAX_NAMES = 100'000;
+constexpr std::uint64_t MAX_LOOKUP_STEPS = 1'000'000'000;
 
 struct ParserFree {
   void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
@@ -25,6 +34,7 @@ struct ParserFree {
 
 struct ParseState {
   std::size_t nodes = 0;
+  std::uint64_t lookup_steps = 0;
   int depth = 0;
   bool too_long_for_doctype = false;
   const XmlPlace* emptied = nullptr;  // not met yet
@@ -42,14 +52,26 @@ void refuse(void* context, const char* why) {
   xmlStopParser(parser_of(context));
 }
 
-void count_nodes(void* context, std::size_t added) {
+// False when there are too many; the parser has let go of its input then, texts given to the handler included.
+bool count_nodes(void* context, std::size_t added) {
   ParseState& state = state_of(context);
   state.nodes += added;
   if (state.nodes > MAX_XML_NODES) refuse(context, "too many elements");
+  return !state.refusal;
+}
+
+bool count_element(void* context, int attributes_count, int namespaces_count) {
+  ParseState& state = state_of(context);
+  xmlParserCtxt* parser = parser_of(context);
+  std::uint64_t names = 1 + static_cast<std::uint64_t>(attributes_count);
+  state.lookup_steps += names * static_cast<std::uint64_t>(++state.depth + parser->nsNr);
+  if (state.depth > MAX_DEPTH || state.lookup_steps > MAX_LOOKUP_STEPS) refuse(context, "elements nested too deeply");
+  if (xmlDictSize(parser->dict) > MAX_NAMES) refuse(context, "too many names");
+  return !state.refusal && count_nodes(context, 2 * names - 1 + static_cast<std::uint64_t>(namespaces_count));
 }
 
 // Whether a node is to be built.
-bool wanted(void* context) { return !state_of(context).refusal && state_of(context).skipped_below == 0; }
+bool wanted(void* context) { return state_of(context).skipped_below == 0; }
 
 bool is_emptied(const ParseState& state, const XmlNode* node) {
   constexpr int PLACE_DEPTH = 3;
@@ -60,12 +82,10 @@ bool is_emptied(const ParseState& state, const XmlNode* node) {
 
 void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaces_count,
                    const xmlChar** namespaces, int attributes_count, int defaulted, const xmlChar** attributes) {
-  ParseState& state = state_of(context);
-  if (++state.depth > MAX_DEPTH) refuse(context, "elements nested too deeply");
-  if (!wanted(context)) return;
-  count_nodes(context, 1 + 2 * static_cast<std::size_t>(attributes_count) + static_cast<std::size_t>(namespaces_count));
+  if (!count_element(context, attributes_count, namespaces_count) || !wanted(context)) return;
   xmlSAX2StartElementNs(context, name, prefix, uri, namespaces_count, namespaces, attributes_count, defaulted,
                         attributes);
+  ParseState& state = state_of(context);
   if (!is_emptied(state, parser_of(context)->node)) return;
   state.emptied = nullptr;
   state.skipped_below = state.depth;
@@ -74,32 +94,25 @@ void start_element(void* context, const xmlChar* name, const xmlChar* prefix, co
 void end_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
   ParseState& state = state_of(context);
   if (state.depth-- == state.skipped_below) state.skipped_below = 0;
-  if (wanted(context)) xmlSAX2EndElementNs(context, name, prefix, uri);
+  if (wanted(context) && !state.refusal) xmlSAX2EndElementNs(context, name, prefix, uri);
 }
 
 void characters(void* context, const xmlChar* text, int length) {
-  if (!wanted(context)) return;
   const XmlNode* parent = parser_of(context)->node;
-  if (parent && !(parent->last && parent->last->type == XML_TEXT_NODE)) count_nodes(context, 1);
-  xmlSAX2Characters(context, text, length);
+  bool goes_on = parent && parent->last && parent->last->type == XML_TEXT_NODE;
+  if (wanted(context) && count_nodes(context, goes_on ? 0 : 1)) xmlSAX2Characters(context, text, length);
 }
 
 void comment(void* context, const xmlChar* text) {
-  if (!wanted(context)) return;
-  count_nodes(context, 1);
-  xmlSAX2Comment(context, text);
+  if (wanted(context) && count_nodes(context, 1)) xmlSAX2Comment(context, text);
 }
 
 void processing_instruction(void* context, const xmlChar* target, const xmlChar* data) {
-  if (!wanted(context)) return;
-  count_nodes(context, 1);
-  xmlSAX2ProcessingInstruction(context, target, data);
+  if (wanted(context) && count_nodes(context, 1)) xmlSAX2ProcessingInstruction(context, target, data);
 }
 
 void cdata_block(void* context, const xmlChar* text, int length) {
-  if (!wanted(context)) return;
-  count_nodes(context, 1);
-  xmlSAX2CDataBlock(context, text, length);
+  if (wanted(context) && count_nodes(context, 1)) xmlSAX2CDataBlock(context, text, length);
 }
 
 // Without the huge option libxml2 watches how far entities blow the content up. Entities need a document
@@ -118,6 +131,12 @@ xmlEntity* entity(void* context, const xmlChar* name) {
 }
 
 void unresolved_reference(void* context, const xmlChar*) { refuse(context, "refers to an unknown entity"); }
+
+void attribute_declaration(void* context, const xmlChar*, const xmlChar*, int, int, const xmlChar*,
+                           xmlEnumeration* values) {
+  xmlFreeEnumeration(values);
+  refuse(context, "declares attributes");
+}
 
 void print_nothing(void*, const char*, ...) {}
 
@@ -149,6 +168,7 @@ void install_handlers(xmlSAXHandler& sax) {
   sax.internalSubset = internal_subset;
   sax.getEntity = entity;
   sax.reference = unresolved_reference;
+  sax.attributeDecl = attribute_declaration;
   // The record is constant in newer versions of the library only.
   sax.serror = [](void* context, auto* error) { keep_first_error(context, *error); };
 }
@@ -157,14 +177,74 @@ std::string_view text_of(const xmlChar* characters) {
   return characters ? std::string_view(reinterpret_cast<const char*>(characters)) : std::string_view();
 }
 
+// The end of the tag or declaration that begins at `at`, and the quoted values in it.
+struct Tag {
+  std::size_t end;
+  int values = 0;
+};
+
+Tag scan_tag(std::string_view bytes, std::size_t at) {
+  Tag tag{at + 1};
+  for (; tag.end < bytes.size() && bytes[tag.end] != '>' && bytes[tag.end] != '<'; ++tag.end) {
+    char quote = bytes[tag.end];
+    if (quote != '"' && quote != '\'') continue;
+    ++tag.values;
+    tag.end = std::min(bytes.find(quote, tag.end + 1), bytes.size() - 1);
+  }
+  return tag;
+}
+
+// Looks for tags that would take quadratic time; whether the rest is well-formed is left to the parser.
+const char* crowded_tag(std::string_view bytes) {
+  auto begins = [&](std::size_t at, std::string_view word) { return bytes.substr(at, word.size()) == word; };
+  for (std::size_t at = bytes.find('<'); at != std::string_view::npos; at = bytes.find('<', at)) {
+    if (begins(at, "<!--")) {
+      at = bytes.find("-->", at + 4);
+    } else if (begins(at, "<![CDATA[")) {
+      at = bytes.find("]]>", at + 9);
+    } else if (begins(at, "<?")) {
+      at = bytes.find("?>", at + 2);
+    } else {
+      Tag tag = scan_tag(bytes, at);
+      if (tag.values > MAX_ATTRIBUTES) return "too many attributes";
+      if (begins(at, "<!ENTITY") && tag.end - at > MAX_ENTITY_BYTES) return "entity too long";
+      at = tag.end;
+    }
+  }
+  return nullptr;
+}
+
+// Whether all markup stands there in its ASCII bytes, by the first bytes (XML 1.0, appendix F) and the
+// declared encoding.
+bool is_ascii_compatible(std::string_view bytes) {
+  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
+  if (!bytes.starts_with('<') || bytes.substr(1, 1) == std::string_view("\0", 1)) return false;
+  if (!bytes.starts_with("<?xml")) return true;
+  std::string declaration = lowered_ascii(bytes.substr(0, std::min(bytes.find("?>"), std::size_t{200})));
+  std::size_t at = declaration.find("encoding");
+  if (at == std::string::npos) return true;
+  at = declaration.find_first_of("\"'", at);
+  if (at == std::string::npos) return false;
+  std::string_view name = std::string_view(declaration).substr(at + 1);
+  for (std::string_view known : {"utf-8", "us-ascii", "iso-8859-", "windows-125"})
+    if (name.starts_with(known)) return true;
+  return false;
+}
+
+const char* reason_against_parsing(std::string_view bytes) {
+  if (bytes.empty()) return "empty";
+  if (bytes.size() > (std::size_t{1} << 30)) return "too large";
+  if (is_ascii_compatible(bytes)) return crowded_tag(bytes);
+  return bytes.size() > MAX_BYTES_UNSEEN ? "too large for its encoding" : nullptr;
+}
+
 }  // namespace
 
 void XmlDocFree::operator()(_xmlDoc* document) const { xmlFreeDoc(document); }
 
 XmlTree XmlTree::parse(std::string_view bytes, const std::string& what, const XmlPlace* emptied) {
   static const LibraryQuiet quiet;
-  if (bytes.empty()) throw Failure(what + ": empty");
-  if (bytes.size() > (std::size_t{1} << 30)) throw Failure(what + ": too large");
+  if (const char* reason = reason_against_parsing(bytes)) throw Failure(what + ": " + reason);
   std::unique_ptr<xmlParserCtxt, ParserFree> parser(xmlNewParserCtxt());
   if (!parser) throw std::bad_alloc();
   ParseState state;

@@ -13,7 +13,7 @@ namespace brenlow {
 using XmlNode = _xmlNode;
 
 // What a tree may have of elements, texts, and attributes (which count twice); each takes about 120 bytes.
-inline constexpr std::size_t MAX_XML_NODES = 16'000'000;
+inline constexpr std::size_t MAX_XML_NODES = 12'000'000;
 
 struct XmlDocFree {
   void operator()(_xmlDoc* document) const;

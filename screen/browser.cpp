@@ -43,6 +43,8 @@ class Browser {
   void search();
   void type_ahead(int key);
   void select(int index);
+  void offer(const std::string& name);
+  std::string entered_name() const;
   bool entry_selected() const { return _selected < static_cast<int>(_entries.size()); }
   const BrowserEntry& selected_entry() const { return _entries[static_cast<std::size_t>(_selected)]; }
   int list_rows() const { return std::max(_editor.rows() - 4, 1); }
@@ -59,11 +61,17 @@ class Browser {
   std::u32string _typed;  // type-ahead, or what a search had to say
   bool _filename_focus = false;
   LineInput _filename;
+  std::string _offered;  // the bytes of the name that was last put into the filename line
   std::string _chosen;
 };
 
 Browser::Browser(Editor& editor, std::string title, bool allow_new_name, const std::string& prefill)
-    : _editor(editor), _title(std::move(title)), _allow_new_name(allow_new_name), _filename(decode_utf8(prefill)) {
+    : _editor(editor),
+      _title(std::move(title)),
+      _allow_new_name(allow_new_name),
+      _filename(decode_utf8(prefill)),
+      _offered(prefill) {
+  editor._fb_utf8_buf.clear();  // a character cut off in an earlier run never comes to its end
   std::error_code error;
   std::filesystem::path start = std::filesystem::current_path(error);
   if (editor.filepath) start = (start / *editor.filepath).lexically_normal().parent_path();
@@ -116,6 +124,7 @@ void Browser::draw_filename() {
   if (!_filename_focus || column >= _editor.cols() - 1) return;
   char32_t under = text[static_cast<std::size_t>(column)];
   screen::put(window, row, column, {&under, 1}, A_REVERSE, screen::PAIR_SELECTED);
+  screen::place_cursor(window, row, column);
 }
 
 void Browser::draw() {
@@ -124,10 +133,8 @@ void Browser::draw() {
   ::werase(window);
   screen::put_row(window, 0, decode_utf8(" " + _title + ": " + _directory), width, screen::PAIR_BAR);
   draw_list();
-  if (_allow_new_name) draw_filename();
   screen::put_row(window, _editor.rows() - 1, footer(), width, screen::PAIR_PROMPT);
-  if (_filename_focus)
-    screen::place_cursor(window, _editor.rows() - 2, static_cast<int>(FILENAME_LABEL.size()) + _filename.position());
+  if (_allow_new_name) draw_filename();
   screen::show_cursor(_filename_focus);
   ::wrefresh(window);
 }
@@ -148,10 +155,10 @@ std::optional<std::string> Browser::run() {
 
 Browser::Outcome Browser::filename_key(int key) {
   if (key == 10 || key == 13) {
-    std::u32string_view name = trimmed(std::u32string_view(_filename.text()));
+    std::string name = entered_name();
     if (name.empty()) return Outcome::stay;
     screen::show_cursor(false);
-    _chosen = joined_path(_directory, encode_utf8(name));
+    _chosen = joined_path(_directory, name);
     return Outcome::choose;
   }
   if (key == KEY_ESC) {
@@ -180,8 +187,19 @@ bool Browser::select_by(int key) {
 
 void Browser::select(int index) {
   _selected = index;
-  if (_allow_new_name && entry_selected() && !selected_entry().is_directory)
-    _filename.set(decode_utf8(selected_entry().name));
+  if (_allow_new_name && entry_selected() && !selected_entry().is_directory) offer(selected_entry().name);
+}
+
+void Browser::offer(const std::string& name) {
+  _offered = name;
+  _filename.set(decode_utf8(name));
+}
+
+// A name whose bytes are no UTF-8 is shown with replacement characters; left as it is, it means that very file.
+std::string Browser::entered_name() const {
+  bool untouched = _filename.text() == decode_utf8(_offered);
+  if (untouched && !decode_utf8_strict(_offered)) return _offered;
+  return encode_utf8(trimmed(std::u32string_view(_filename.text())));
 }
 
 Browser::Outcome Browser::list_key(int key) {
@@ -229,7 +247,7 @@ Browser::Outcome Browser::open_selected() {
   } else if (_allow_new_name) {
     // A save asks for a name and not for an overwrite at once.
     if (_view == View::recent) _directory = entry.detail;
-    _filename.set(decode_utf8(entry.name));
+    offer(entry.name);
     _filename_focus = true;
   } else {
     _chosen = joined_path(_view == View::recent ? entry.detail : _directory, entry.name);
@@ -262,6 +280,7 @@ void Browser::search() {
   _entries = std::move(hits);
   _view = View::search;
   _term = *term;
+  _typed.clear();
   _selected = 0;
   _top = 0;
 }

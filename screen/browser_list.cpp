@@ -61,14 +61,11 @@ std::vector<Named> shown_names(const std::string& directory, bool hide_dotfiles)
 // The text of an XML member: every tag is one blank.
 std::u32string text_without_tags(std::u32string_view xml) {
   std::u32string text;
+  std::size_t last_end = xml.rfind(U'>');
   for (std::size_t at = 0; at < xml.size();) {
-    std::size_t end = xml[at] == U'<' ? xml.find(U'>', at) : std::u32string_view::npos;
-    if (end != std::u32string_view::npos && end > at + 1) {
-      text.push_back(U' ');
-      at = end + 1;
-    } else {
-      text.push_back(xml[at++]);
-    }
+    bool in_tag = xml[at] == U'<' && last_end != std::u32string_view::npos && at + 1 < last_end && xml[at + 1] != U'>';
+    text.push_back(in_tag ? U' ' : xml[at]);
+    at = (in_tag ? xml.find(U'>', at) : at) + 1;
   }
   return text;
 }

@@ -57,6 +57,8 @@ bool LineInput::_moved(int key) {
 }
 
 void LineInput::_typed_byte(int key, std::string& partial) {
+  bool goes_on = (key & 0xC0) == 0x80;
+  if (!goes_on) partial.clear();
   partial.push_back(static_cast<char>(key));
   if (auto text = decode_utf8_strict(partial)) {
     insert(*text);

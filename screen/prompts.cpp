@@ -42,6 +42,7 @@ void Editor::_draw_prompt_bar(std::u32string_view prompt, std::u32string_view bu
 std::optional<std::u32string> Editor::_prompt(const std::string& prompt, std::u32string_view prefill,
                                               bool esc_returns_empty) {
   screen::show_cursor(true);
+  _prompt_utf8_buf.clear();  // a character cut off in an earlier prompt never comes to its end
   LineInput input(prefill);
   bool expanding = false;
   const std::u32string plain = decode_utf8(prompt);

@@ -7,6 +7,18 @@
 
 namespace brenlow {
 
+namespace {
+
+// An edit of the line itself, such as a paste in front of the "#", may have left a fold on plain text.
+IndexSet headers_among(std::span<const Text> lines, const IndexSet& folded) {
+  std::vector<int> headers;
+  for (int ly : folded)
+    if (is_header(lines[static_cast<std::size_t>(ly)])) headers.push_back(ly);
+  return IndexSet::from_sorted(headers);
+}
+
+}  // namespace
+
 bool Editor::_cursor_on_folded_chapter() const { return _folded_chapters.contains(cy) || _kgrep_folds.contains(cy); }
 
 std::optional<int> Editor::_find_chapter_header(int ly) const { return find_chapter_header(lines, ly); }
@@ -39,15 +51,13 @@ void Editor::do_fold_chapter() {
     _show_message("Not inside a chapter (chapters start with '#').");
     return;
   }
-  IndexSet below = IndexSet::from_sorted(_headers_in_subtree(*header));
   if (_folded_chapters.contains(*header)) {
-    _folded_chapters.erase(*header);
-    if (!_fold_hierarchical)
-      for (int ly : below) _folded_chapters.erase(ly);
+    std::optional<LineRange> below = chapter_subtree_range(lines, *header);
+    _folded_chapters.erase_range(*header, below && !_fold_hierarchical ? below->last : *header);
     _show_message("Chapter unfolded: " + _chapter_title(*header));
   } else {
     _folded_chapters.insert(*header);
-    _folded_chapters.merge(below);
+    _folded_chapters.merge(IndexSet::from_sorted(_headers_in_subtree(*header)));
     _show_message("Chapter folded: " + _chapter_title(*header));
     _go_to_header(*header);
   }
@@ -87,7 +97,7 @@ void Editor::do_fold_all_chapters() {
   _ensure_cursor_visible();
 }
 
-// Whether the text of a folded chapter that `ly` belongs to is hidden.
+// Whether a folded chapter, and not the line filter, hides the line.
 bool Editor::_hidden_by_fold(int ly) {
   if (_folded_chapters.empty() || _kgrep_folds.contains(ly)) return false;
   _build_screen_map();
@@ -95,23 +105,32 @@ bool Editor::_hidden_by_fold(int ly) {
 }
 
 void Editor::_keep_cursor_seen() {
+  if (IndexSet headers = headers_among(lines, _folded_chapters); headers.size() != _folded_chapters.size()) {
+    _folded_chapters = headers;
+    _invalidate_map();
+  }
   if (!_hidden_by_fold(cy)) return;
-  int header = cy;
-  while (header > 0 && _sm_lines[static_cast<std::size_t>(header)] == 0) --header;
-  _go_to_header(header);
+  auto shown = [&](int ly) { return _sm_lines[static_cast<std::size_t>(ly)] != 0; };
+  int seen = cy;
+  while (seen > 0 && !shown(seen)) --seen;
+  // The line filter may hide the header too, and all above it.
+  if (!shown(seen))
+    for (seen = cy; seen + 1 < _line_count() && !shown(seen);) ++seen;
+  _go_to_header(shown(seen) ? seen : _find_chapter_header(cy).value_or(0));
 }
 
 // Opens every folded chapter that hides the line: those that own it, from the nearest header upward.
 void Editor::_unfold_around(int ly) {
-  if (!_hidden_by_fold(ly)) return;
+  int folded = _folded_chapters.size();
   int level = is_header(_line(ly)) ? header_level(_line(ly)) : std::numeric_limits<int>::max();
-  for (int above = ly - 1; above >= 0 && level > 1; --above) {
+  if (level < std::numeric_limits<int>::max() && !_fold_hierarchical) return;  // every header is shown
+  for (int above = ly - 1; folded > 0 && above >= 0 && level > 1; --above) {
     if (!is_header(_line(above)) || header_level(_line(above)) >= level) continue;
     level = header_level(_line(above));
     _folded_chapters.erase(above);
     if (!_fold_hierarchical) break;  // a shallower folded chapter hides its own body only
   }
-  _invalidate_map();
+  if (_folded_chapters.size() != folded) _invalidate_map();
 }
 
 }  // namespace brenlow

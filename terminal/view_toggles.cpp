@@ -28,7 +28,7 @@ constexpr std::array _MARGIN_SIDES = {
 // The whole number from 0 to 100 that the answer gives, a "%" behind it allowed; nothing for other texts.
 std::optional<int> percent_of(std::u32string_view answer) {
   answer = trimmed(answer);
-  while (!answer.empty() && answer.back() == U'%') answer.remove_suffix(1);
+  while (answer.ends_with(U'%')) answer = trimmed(answer.substr(0, answer.size() - 1));
   if (answer.empty()) return std::nullopt;
   int value = 0;
   for (char32_t digit : answer) {

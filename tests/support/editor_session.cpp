@@ -49,14 +49,14 @@ File open_stream(int descriptor, const char* mode) {
 }
 
 // What the tester's own terminal and desktop say must not reach the session.
-void set_environment(const std::string& home) {
+void set_environment(const std::string& home, const std::string& terminal_type) {
   for (const char* name :
        {"TERM_PROGRAM", "TMUX", "STY", "KITTY_WINDOW_ID", "KITTY_PID", "ALACRITTY_WINDOW_ID", "ALACRITTY_SOCKET",
         "FOOT_VERSION", "FOOT_SERVER_SOCKET", "VTE_VERSION", "WEZTERM_UNIX_SOCKET", "WEZTERM_PANE", "DISPLAY",
         "WAYLAND_DISPLAY", "Brenlow_FONT", "LINES", "COLUMNS", "ESCDELAY"})
     ::unsetenv(name);
   ::setenv("HOME", home.c_str(), 1);
-  ::setenv("TERM", "xterm-256color", 1);
+  ::setenv("TERM", terminal_type.c_str(), 1);
   std::setlocale(LC_ALL, "C.UTF-8");
 }
 
@@ -66,13 +66,13 @@ void set_environment(const std::string& home) {
 // as it comes, since a terminal that nobody reads stops the writer after some kilobytes.
 class EditorSession::Terminal {
  public:
-  Terminal(int rows, int cols)
+  Terminal(int rows, int cols, const std::string& type)
       : _pty(rows, cols),
         _picture(rows, cols),
         _reader([this] { _read(); }),
         _in(open_stream(_pty.slave(), "r")),
         _out(open_stream(_pty.slave(), "w")),
-        _library(::newterm("xterm-256color", _out.get(), _in.get())) {
+        _library(::newterm(type.c_str(), _out.get(), _in.get())) {
     if (!_library) throw std::runtime_error("newterm failed");
     ::noecho();
     ::cbreak();
@@ -185,8 +185,8 @@ class EditorSession::Terminal {
 
 EditorSession::EditorSession(const SessionOptions& options) {
   for (const auto& [name, content] : options.home_files) _home.write(name, content);
-  set_environment(_home.path().string());
-  _terminal = std::make_unique<Terminal>(options.rows, options.cols);
+  set_environment(_home.path().string(), options.terminal_type);
+  _terminal = std::make_unique<Terminal>(options.rows, options.cols, options.terminal_type);
   Machine machine;
   machine.files = config_files(_home.path().string());
   machine.tty = _terminal->path();

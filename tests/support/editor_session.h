@@ -16,9 +16,10 @@
 namespace brenlow::test {
 
 struct SessionOptions {
-  std::optional<std::string> path;  // the document to open; relative to the home folder
+  std::optional<std::string> path = {};  // the document to open; relative to the home folder
   int rows = 24, cols = 80;
-  std::map<std::string, std::string> home_files;  // path within the home folder to content, made before the start
+  std::string terminal_type = "xterm-256color";        // a name of the terminal database, or of the home's ".terminfo"
+  std::map<std::string, std::string> home_files = {};  // path within the home folder to content, made before the start
 };
 
 // A whole Editor on a terminal of its own that nobody looks at but the test. It has a home folder of its own,

@@ -157,12 +157,6 @@ void PtyProgram::_fail(const std::string& what, const Where& where) const {
       testing::TestPartResult(testing::TestPartResult::kFatalFailure, where.file, where.line, text.c_str()));
 }
 
-std::string brenlow_program() {
-#ifdef BRENLOW_PROGRAM
-  return BRENLOW_PROGRAM;
-#else
-  return "build/release/brenlow";
-#endif
-}
+std::string brenlow_program() { return BRENLOW_PROGRAM; }
 
 }  // namespace brenlow::test

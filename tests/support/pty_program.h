@@ -19,13 +19,13 @@ namespace brenlow::test {
 inline constexpr std::chrono::seconds WAIT_LIMIT{30};
 
 struct ProgramOptions {
-  std::vector<std::string> arguments;
+  std::vector<std::string> arguments = {};
   int rows = 24, cols = 80;
   // Added to an environment of HOME (a folder of the program's own), TERM, LC_ALL and PATH.
-  std::map<std::string, std::string> environment;
-  std::map<std::string, std::string> home_files;  // path within HOME to content, made before the start
-  bool input_is_terminal = true;                  // else standard input is /dev/null
-  bool output_is_terminal = true;                 // else standard output goes to a file, see output()
+  std::map<std::string, std::string> environment = {};
+  std::map<std::string, std::string> home_files = {};  // path within HOME to content, made before the start
+  bool input_is_terminal = true;                       // else standard input is /dev/null
+  bool output_is_terminal = true;                      // else standard output goes to a file, see output()
 };
 
 // A line of a test: std::source_location is not to be had with every pair of compiler and library.

@@ -1,0 +1,232 @@
+#include "core/editor.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "structure/chapters.h"
+#include "tests/structure/outlines.h"
+
+namespace brenlow::test {
+
+using testing::ElementsAre;
+
+namespace {
+
+constexpr const char* NOVEL = "preface\n# One\nbody\n## Sub\ndeep\n#\n# Two\nen|d";
+
+std::vector<std::string> text_rows(EditorSession& session) {
+  std::vector<std::string> rows = session.rows();
+  rows.erase(rows.begin());
+  rows.erase(std::find_if(rows.begin(), rows.end(), [](const std::string& row) { return row.ends_with("End ──"); }),
+             rows.end());
+  for (std::string& row : rows) row.erase(0, row.find_first_not_of(' '));
+  return rows;
+}
+
+std::string folded_row(std::string title) {
+  title.resize(42 - 28 - 2, ' ');
+  return title + " ── Folded (ESC # to unfold)";
+}
+
+}  // namespace
+
+TEST(Folding, one_press_folds_a_chapter_with_its_nested_ones_and_one_press_opens_it) {
+  EditorSession session({.rows = 14, .cols = 42});
+  session.document(NOVEL);
+  place_cursor(session, 4, 4);
+  session.command('#');
+  EXPECT_EQ(session->message, "Chapter folded: Sub");
+  EXPECT_EQ(std::pair(session->cy, session->cx), std::pair(3, 4));
+  place_cursor(session, 2, 4);
+  session.command('#');
+  EXPECT_EQ(session->message, "Chapter folded: One");
+  EXPECT_EQ(std::pair(session->cy, session->cx), std::pair(1, 4));
+  EXPECT_THAT(text_rows(session),
+              ElementsAre("preface", folded_row("# One"), folded_row("## Sub"), "#", "# Two", "end"));
+  EXPECT_FALSE(session->modified);
+  session.type(U"x");
+  EXPECT_EQ(session->message, "Chapter is folded — press ESC # to unfold before editing.");
+  session.command('#');
+  EXPECT_EQ(session->message, "Chapter unfolded: One");
+  EXPECT_THAT(text_rows(session), ElementsAre("preface", "# One", "body", "## Sub", "deep", "#", "# Two", "end"));
+
+  session->_fold_hierarchical = true;
+  session.command('#');
+  EXPECT_THAT(text_rows(session), ElementsAre("preface", folded_row("# One"), "#", "# Two", "end"));
+  session.command('#');
+  EXPECT_THAT(text_rows(session), ElementsAre("preface", "# One", "body", folded_row("## Sub"), "#", "# Two", "end"));
+
+  place_cursor(session, 5, 1);
+  session.command('#');
+  EXPECT_EQ(session->message, "Chapter folded: ");
+  place_cursor(session, 0, 0);
+  session.command('#');
+  EXPECT_EQ(session->message, "Not inside a chapter (chapters start with '#').");
+  session.document("no chapter\n # none either");
+  session.command('*');
+  EXPECT_EQ(session->message, "No chapters found (chapters start with '#').");
+}
+
+TEST(Folding, all_chapters_fold_until_every_one_is_folded_and_then_open) {
+  EditorSession session({.rows = 14, .cols = 42});
+  session.document(NOVEL);
+  place_cursor(session, 1, 0);
+  session.command('#');
+  place_cursor(session, 7, 2);
+  session.command('*');
+  EXPECT_EQ(session->message, "All 4 chapters folded.");
+  EXPECT_EQ(std::pair(session->cy, session->cx), std::pair(6, 2));
+  EXPECT_THAT(text_rows(session),
+              ElementsAre("preface", folded_row("# One"), folded_row("## Sub"), folded_row("#"), folded_row("# Two")));
+  session.command('*');
+  EXPECT_EQ(session->message, "All 4 chapters unfolded.");
+  EXPECT_TRUE(session->_folded_chapters.empty());
+  place_cursor(session, 0, 3);
+  session.command('*');
+  EXPECT_EQ(std::pair(session->cy, session->cx), std::pair(0, 3));
+  session.command('*');
+
+  session->_fold_hierarchical = true;
+  place_cursor(session, 4, 3);
+  session.command('*');
+  EXPECT_EQ(session->cy, 1) << "the cursor stayed in a chapter that nobody sees";
+  EXPECT_THAT(text_rows(session), ElementsAre("preface", folded_row("# One"), folded_row("#"), folded_row("# Two")));
+  session.press({KEY_DOWN, KEY_DOWN});
+  EXPECT_EQ(session->cy, 6);
+}
+
+TEST(Folding, no_fold_of_one_document_hides_lines_of_the_next) {
+  EditorSession session({.home_files = {{"other.txt", "plain\n# Header\nbody\n"}}});
+  session.document("x\n# A\nbody");
+  session.command('*');
+  session->_reset_for_document(parse_notation("y\n# B\nseen").document, std::nullopt);
+  EXPECT_TRUE(session.draw().shows("seen"));
+  EXPECT_TRUE(session->_folded_chapters.empty());
+}
+
+// What a random key sequence may do to folds: an edit never opens one whose header line is still there, nothing
+// ever folds a chapter that the user has not folded, and the cursor never enters hidden text.
+TEST(Folding, folds_stay_on_their_headers_through_all_edits) {
+  std::mt19937 random(11);
+  EditorSession session({.rows = 12, .cols = 40});
+  for (int round = 0; round < 60; ++round) {
+    session.document(random_outline(random, pick(random, 3, 25)));
+    session->_fold_hierarchical = round % 2 == 0;
+    for (int step = 0; step < 60; ++step) {
+      int target = pick(random, 0, session->_line_count() - 1);
+      if (!session->_hidden_by_fold(target)) place_cursor(session, target, pick(random, 0, 14) % 13);
+      session->_sel_clear();
+      std::vector<std::u32string> before = folded_texts(session);
+      std::vector<std::u32string> stay = before;
+      bool keeps_all = true;
+      int kind = pick(random, 0, 11);
+      bool on_folded = session->_folded_chapters.contains(session->cy);
+      switch (kind) {
+        case 0:
+        case 1:
+          session.command('#');
+          before = stay = folded_texts(session);
+          break;
+        case 2:
+          session.press(pick(random, 0, 1) == 0 ? 'x' : '#');
+          break;
+        case 3:
+          session.press(13);
+          break;
+        case 4:
+          session.press(pick(random, 0, 1) == 0 ? 127 : KEY_DC);
+          break;
+        case 5:
+          session.command('l');
+          break;
+        case 6:
+          session.command(pick(random, 0, 1) == 0 ? 'u' : 'w');
+          keeps_all = false;
+          break;
+        case 7:
+          session.command(pick(random, 0, 1) == 0 ? KEY_DOWN : KEY_UP);
+          break;
+        case 8:
+          if (on_folded && session->cx == 0) break;
+          Editor::_internal_clipboard = {U"pasted", U"## new", U"end"};
+          Editor::_internal_clipboard_fmt = {{}, {}, {}};
+          Editor::_internal_clipboard_pbl = {1};
+          session.command('v');
+          keeps_all = !on_folded;
+          break;
+        case 9:
+          session.command('p');
+          keeps_all = !on_folded;
+          break;
+        case 10: {
+          int line = pick(random, 0, session->_line_count() - 1);
+          session->_sel_anchor = {line, pick(random, 0, session->_line_length(line))};
+          if (auto range = session->_sel_range()) {
+            std::erase_if(stay, [&](const std::u32string& text) {
+              for (int ly = range->sy; ly <= range->ey; ++ly)
+                if (session->_line(ly).view() == text) return true;
+              return false;
+            });
+          }
+          session.press(KEY_DC);
+          break;
+        }
+        default:
+          session->do_insert_expansion(pick(random, 0, 1) == 0 || on_folded ? U"ab" : U"a\n# b\nc");
+          session->_keep_cursor_seen();
+          keeps_all = !on_folded;
+      }
+      std::vector<std::u32string> after = folded_texts(session);
+      if (session->_folded_chapters.size() > 0)
+        for (const std::u32string& text : after)
+          ASSERT_TRUE(is_header(text)) << "round " << round << " step " << step << " kind " << kind;
+      if (kind > 1)
+        for (const std::u32string& text : after)
+          ASSERT_THAT(before, testing::Contains(text)) << "round " << round << " step " << step << " kind " << kind;
+      if (keeps_all)
+        for (const std::u32string& text : stay) {
+          bool survives = std::any_of(session->lines.begin(), session->lines.end(),
+                                      [&](const Text& line) { return line.view() == text; });
+          ASSERT_TRUE(!survives || std::find(after.begin(), after.end(), text) != after.end())
+              << "round " << round << " step " << step << " kind " << kind;
+        }
+      ASSERT_FALSE(hidden_by_folds(session->lines, session->_folded_chapters,
+                                   session->_fold_hierarchical)[static_cast<std::size_t>(session->cy)])
+          << "round " << round << " step " << step << " kind " << kind;
+    }
+  }
+}
+
+TEST(Folding, a_line_that_stops_being_a_header_gives_its_text_back) {
+  EditorSession session;
+  session.document("# A\nhidden\n# B\nmore");
+  session->_fold_hierarchical = true;
+  session.command('*');
+  place_cursor(session, 0, 0);
+  session->do_insert_expansion(U"no header: ");
+  session.press(KEY_HOME);
+  EXPECT_TRUE(session.draw().shows("hidden"));
+  EXPECT_EQ(folded_texts(session), std::vector<std::u32string>{U"# B"});
+}
+
+TEST(Folding, thousands_of_chapters_fold_in_about_the_time_of_one_walk) {
+  EditorSession session;
+  std::string text = "# book";
+  for (int i = 0; i < 20'000; ++i) text += "\n## c\nbody";
+  session.document(text);
+  auto seconds = [&](int letter) {
+    auto begin = std::chrono::steady_clock::now();
+    session.command(letter);
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  };
+  EXPECT_LT(seconds('#'), 5);
+  EXPECT_EQ(session->_folded_chapters.size(), 20'001);
+  EXPECT_LT(seconds('#'), 5);
+  EXPECT_TRUE(session->_folded_chapters.empty());
+  EXPECT_LT(seconds('*'), 5);
+  EXPECT_LT(seconds('*'), 5);
+}
+
+}  // namespace brenlow::test
