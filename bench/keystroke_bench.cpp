@@ -3,25 +3,21 @@
 // ratio of the long document to the page.
 
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <pty.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <map>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "core/editor.h"
-#include "screen/curses.h"
+#include "bench/session.h"
 
 namespace {
 
 using namespace brenlow;
+using bench::frame;
+using bench::Session;
 
 constexpr int PAGE = 300;
 constexpr int NOVEL = 1'000'000;
@@ -46,48 +42,6 @@ DocumentTriple document_of(int words) {
   return triple;
 }
 
-// A session on a pseudo terminal of 50 x 120 whose output a thread reads away.
-class Session {
- public:
-  Session() : _home(std::filesystem::temp_directory_path() / ("brenlow-bench-" + std::to_string(::getpid()))) {
-    winsize size{50, 120, 0, 0};
-    ::openpty(&_master, &_slave, nullptr, nullptr, &size);
-    _reader = std::thread([this] {
-      char bytes[65536];
-      while (::read(_master, bytes, sizeof bytes) > 0) {
-      }
-    });
-    _out = ::fdopen(::dup(_slave), "w");
-    _in = ::fdopen(::dup(_slave), "r");
-    ::newterm("xterm-256color", _out, _in);
-    ::resizeterm(50, 120);
-    Machine machine;
-    machine.files = config_files(_home.string());
-    machine.tty = "/dev/null";
-    machine.input = _slave;
-    machine.search_path = "/nonexistent";
-    _editor = std::make_unique<Editor>(::stdscr, std::nullopt, machine);
-  }
-  ~Session() {
-    ::endwin();
-    std::fclose(_out);
-    std::fclose(_in);
-    ::close(_slave);
-    _reader.join();
-    ::close(_master);
-    std::filesystem::remove_all(_home);
-  }
-  Editor& editor() { return *_editor; }
-
- private:
-  std::filesystem::path _home;
-  int _master = -1, _slave = -1;
-  std::thread _reader;
-  FILE* _out = nullptr;
-  FILE* _in = nullptr;
-  std::unique_ptr<Editor> _editor;
-};
-
 Session& session() {
   static Session only;
   return only;
@@ -103,11 +57,6 @@ void open_document(int words) {
 }
 
 std::map<std::string, std::map<int, double>> measured;
-
-void frame(Editor& editor) {
-  editor._ensure_cursor_visible();
-  editor.draw();
-}
 
 // Times `keys` pressed one after the other, each with its frame; the document is the same again after them.
 void press(benchmark::State& state, const char* name, const std::vector<int>& keys) {

@@ -1,4 +1,5 @@
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <vector>
 
@@ -41,8 +42,10 @@ void run_key_debug(_win_st* screen) {
   screen::put(screen, 2, 0, std::u32string(60, U'-'));
   ::wrefresh(screen);
   for (int row = 3;; ++row) {
+    errno = 0;
     int key = ::wgetch(screen);
     if (key == 3 || key == 4) return;
+    if (key == ERR && errno != EINTR) return;  // the terminal is gone
     if (key == ERR) {
       --row;
       continue;

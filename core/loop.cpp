@@ -101,10 +101,11 @@ void Editor::_serve_resize() {
 
 void Editor::_handle_key(int key) {
   if (key == NO_KEY || key == KEY_RESIZE) return;
-  if (key == KEY_ESC) return _bare_escape();
   if (key == 0) key = _KEY_CTRL_SPACE;
-  if (_prefix_keys(key) || _expansion_pressed(key) || _command_letter(key) || _bound_control(key) ||
-      _refused_on_fold(key)) {
+  if (key == KEY_ESC) {
+    _bare_escape();
+  } else if (_prefix_keys(key) || _expansion_pressed(key) || _command_letter(key) || _bound_control(key) ||
+             _refused_on_fold(key)) {
     // decided
   } else if (key == 10) {
     _sel_clear();
@@ -156,22 +157,21 @@ void Editor::_clear_view_filters() {
   _show_message("Cleared — back to the normal view.");
 }
 
-// The keys that work in every mode: the fixed filter key, help, and the two prefixes.
+// The keys that work in every mode: the fixed filter key, help, and the two prefixes. A mode ends with each of
+// them, a prefix of its own included.
 bool Editor::_prefix_keys(int key) {
+  if (key != _KEY_CTRL_G && key != _key_help && key != _key_action && key != _expansion_key) return false;
+  bool action_mode = std::exchange(_action_mode, false);
+  bool expansion_mode = std::exchange(_expansion_mode, false);
   if (key == _KEY_CTRL_G) {
-    _action_mode = false;
-    _expansion_mode = false;
     do_kgrep();
   } else if (key == _key_help) {
-    _action_mode = false;
     do_help();
   } else if (key == _key_action) {
-    _action_mode = !_action_mode;
+    _action_mode = !action_mode;
     if (_action_mode) message.clear();
-  } else if (key == _expansion_key) {
-    _expansion_mode = !_expansion_mode;
   } else {
-    return false;
+    _expansion_mode = !expansion_mode;
   }
   return true;
 }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <span>
@@ -32,7 +31,7 @@ class SharedArray {
     return *this;
   }
   ~SharedArray() {
-    if (_block && --_block->references == 0) std::free(_block);
+    if (_block && --_block->references == 0) ::operator delete(_block);
   }
 
   // Makes an array of `size` values and lets `fill(T*)` write every one of them.
@@ -69,9 +68,7 @@ class SharedArray {
   };
   static T* _values(Block* block) { return reinterpret_cast<T*>(block + 1); }
   T* _allocate(std::size_t size) {
-    void* memory = std::malloc(sizeof(Block) + size * sizeof(T));
-    if (!memory) throw std::bad_alloc();
-    _block = new (memory) Block{1, static_cast<std::uint32_t>(size)};
+    _block = new (::operator new(sizeof(Block) + size * sizeof(T))) Block{1, static_cast<std::uint32_t>(size)};
     return _values(_block);
   }
 

@@ -54,9 +54,12 @@ void Editor::_step_history(std::deque<UndoRecord>& from, std::deque<UndoRecord>&
   UndoRecord record = std::move(from.back());
   from.pop_back();
   Applied done = _apply_snap(record, forward);
+  int folds = _folded_chapters.size();
   _folded_chapters.erase_range(done.lo, done.lo + done.old_count - 1);
+  if (_folded_chapters.size() != folds) _invalidate_map();  // an opened chapter shows lines outside the record too
   _shift_folded_chapters(done.lo + std::min(done.old_count, done.new_count), done.new_count - done.old_count);
   _undo_update_map(record, done.lo, done.old_count, done.new_count);
+  _unfold_around(cy);  // what comes back must be seen
   push_bounded(to, std::move(record), UNDO_DEPTH);
   modified = true;
   _sync_cur_fmt();

@@ -29,6 +29,12 @@ bool is_plain_key(const EscapeMap& map, char first) {
   return byte < 0x80 && byte != KEY_ESC && !is_escape_prefix(map, {&first, 1});
 }
 
+// Whether the key that `bytes` belong to may have more. Behind a second ESC comes what behind the first may come.
+bool is_incomplete(const EscapeMap& map, std::string_view bytes) {
+  if (bytes.starts_with(static_cast<char>(KEY_ESC))) bytes.remove_prefix(1);
+  return bytes.empty() || is_escape_prefix(map, bytes);
+}
+
 }  // namespace
 
 void Editor::_load_keys() {
@@ -149,7 +155,7 @@ int Editor::_read_escape_seq() {
   };
   while (bytes.size() < LONGEST_SEQUENCE) {
     // Waits for the first byte, and for the rest of a sequence that a slow line has cut.
-    bool more_expected = bytes.empty() || is_escape_prefix(_ESC_MAP, bytes);
+    bool more_expected = is_incomplete(_ESC_MAP, bytes);
     int next = _getch_nowait(more_expected ? time_left() : milliseconds(0));
     if (next == NO_KEY) {
       if (more_expected && Clock::now() < deadline) continue;

@@ -158,7 +158,7 @@ class Translation {
         return _repeat({c}, true);
       case U'^':
       case U'$':
-        return _assertion({c});
+        return _assertion({&c, 1});
       case U'.':
         return _atom(U".");
       default:
@@ -170,7 +170,7 @@ class Translation {
     _out += text;
     _repeatable = true;
   }
-  void _assertion(std::u32string text) {
+  void _assertion(std::u32string_view text) {
     _out += text;
     _repeatable = false;
   }

@@ -91,7 +91,7 @@ PackageReader PackageReader::from_bytes(std::string bytes) {
   if (!source) throw error.failure();
   ZipHandle archive(zip_open_from_source(source.get(), ZIP_RDONLY, error.get()));
   if (!archive) throw error.failure();
-  source.release();
+  static_cast<void>(source.release());  // the archive owns it now
   refuse_no_members(archive.get());
 
   PackageReader reader(std::move(archive));
@@ -153,7 +153,7 @@ std::uint64_t PackageWriter::_add(const std::string& name, zip_source* content, 
   if (!owned) throw member_failure(name, zip_strerror(_archive.get()));
   zip_int64_t index = zip_file_add(_archive.get(), name.c_str(), owned.get(), name_encoding);
   if (index < 0) throw member_failure(name, zip_strerror(_archive.get()));
-  owned.release();
+  static_cast<void>(owned.release());  // the archive owns it now
   return static_cast<std::uint64_t>(index);
 }
 

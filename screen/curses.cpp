@@ -71,6 +71,8 @@ void prepare_keyboard(WINDOW* window) {
 void take_terminal_size(int descriptor) {
   if (auto size = terminal_size(descriptor); size && size->first > 0 && size->second > 0)
     ::resizeterm(size->first, size->second);
+  // What was on its way while the size changed may have gone anywhere.
+  ::clearok(::curscr, true);
 }
 
 void start_colours() {

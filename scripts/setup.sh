@@ -9,7 +9,7 @@ packages_for() {
   case $1 in
     program) echo build-essential cmake ninja-build pkg-config libncurses-dev libzip-dev libxml2-dev libpcre2-dev \
       zlib1g-dev nlohmann-json3-dev ncurses-bin ;;
-    tests) echo clang libclang-rt-dev libgtest-dev libgmock-dev libvterm-dev util-linux ;;
+    tests) echo clang libclang-rt-dev llvm libgtest-dev libgmock-dev libvterm-dev util-linux ;;
     checks) echo clang-format clang-tidy shellcheck ;;
   esac
 }

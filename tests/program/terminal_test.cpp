@@ -73,7 +73,7 @@ TEST(Terminal, DialogsSurviveEverySizeAndComeBackWhole) {
   };
   const std::vector<Dialog> dialogs = {
       {"\x06", "Find: ", "\x1b"},
-      {"\x0f", "Open", "\x1b"},
+      {"\x0f", "Open: ", "\x1b"},
       {std::string_view("\0", 1), "Press any key to return", "q"},
       {"\x1b?", "About Brenlow", "q"},
       {"\x1bk", "Unicode character table", "\x1b"},

@@ -15,9 +15,9 @@ TEST(ChapterSwap, chapters_change_places_with_all_they_hold_and_the_blank_lines_
   };
   const Case cases[] = {
       // Adjacent, with trailing blank lines at the end of the document.
-      {"# A\nla|st\n# B\nb\n\n", KEY_DOWN, "# B\nb\n# A|\nlast\n\n", "Chapter 'A' moved down."},
+      {"# A\nla|st\n# B\nb\n\n", KEY_DOWN, "# B\nb\n# |A\nlast\n\n", "Chapter 'A' moved down."},
       // One blank line between; formats travel.
-      {"# A\n<b>a</b>\n\n# B\n<i>b|b</i>", KEY_UP, "# |B\n<i>bb</i>\n\n# A\n<b>a</b>", "Chapter 'B' moved up."},
+      {"# A\n<b>a</b>\n\n# B\n<i>b|b</i>", KEY_UP, "#| B\n<i>bb</i>\n\n# A\n<b>a</b>", "Chapter 'B' moved up."},
       // Header lines alone.
       {"#|#\n## two", KEY_DOWN, "## two\n#|#", "Chapter '' moved down."},
       // Nested chapters go along; the middle stretch keeps its place.
@@ -27,7 +27,7 @@ TEST(ChapterSwap, chapters_change_places_with_all_they_hold_and_the_blank_lines_
       {"# A\n## |x\n1\n# B\nb\n## y", KEY_DOWN, "# A\n## y\n# B\nb\n## |x\n1", "Chapter 'x' moved down."},
       // A break at the start of a slot stays with the slot, one within a body goes along.
       {"|# A\na\n⏎# B\n⏎b", KEY_DOWN, "# B\n⏎b\n⏎|# A\na", "Chapter 'A' moved down."},
-      {"p\n⏎# A\n⏎a\n⏎\n# B\nb|", KEY_UP, "p\n⏎# B|\nb\n⏎\n# A\n⏎a", "Chapter 'B' moved up."},
+      {"p\n⏎# A\n⏎a\n⏎\n# B\nb|", KEY_UP, "p\n⏎#| B\nb\n⏎\n# A\n⏎a", "Chapter 'B' moved up."},
   };
   EditorSession session;
   for (const Case& c : cases) {

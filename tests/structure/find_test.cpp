@@ -55,7 +55,7 @@ TEST(Find, jumps_to_the_next_place_steps_both_ways_and_hands_the_ending_key_on) 
   find(session, "cat");
   EXPECT_EQ(session.notation(), "cat and |Cat\ndog\nthe cat") << "the one at the cursor is passed over";
   EXPECT_EQ(session->message, "Found 'cat' at line 1  (← prev  → next)");
-  find(session, "", std::string(RIGHT) + RIGHT + LEFT + LEFT);
+  find(session, "", std::string(RIGHT) + RIGHT + LEFT + LEFT + LEFT);
   EXPECT_EQ(session.notation(), "cat and |Cat\ndog\nthe cat");
   EXPECT_EQ(session.draw().attributes(1), ".bbb.....bbb");
   session.press({KEY_ESC, KEY_HOME});

@@ -10,6 +10,7 @@
 
 namespace brenlow::test {
 
+using testing::Contains;
 using testing::ElementsAre;
 
 namespace {
@@ -106,8 +107,61 @@ TEST(Folding, no_fold_of_one_document_hides_lines_of_the_next) {
   EXPECT_TRUE(session->_folded_chapters.empty());
 }
 
-// What a random key sequence may do to folds: an edit never opens one whose header line is still there, nothing
-// ever folds a chapter that the user has not folded, and the cursor never enters hidden text.
+namespace {
+
+// Deletes from the cursor to a random place; the folds of the lines in between open first.
+void delete_stretch(EditorSession& session, std::mt19937& random, std::vector<std::u32string>& stay) {
+  int line = pick(random, 0, session->_line_count() - 1);
+  session->_sel_anchor = {line, pick(random, 0, session->_line_length(line))};
+  if (auto range = session->_sel_range())
+    for (int ly = range->sy; ly <= range->ey; ++ly) std::erase(stay, std::u32string(session->_line(ly).view()));
+  session.press(KEY_DC);
+}
+
+// A fold command, after which `seen` is what is folded; or an edit, in which `stay` is what must stay folded as
+// far as its line survives.
+void random_command(EditorSession& session, std::mt19937& random, std::vector<std::u32string>& seen,
+                    std::vector<std::u32string>& stay) {
+  bool either = pick(random, 0, 1) == 0;
+  bool on_folded = session->_folded_chapters.contains(session->cy);
+  switch (pick(random, 0, 10)) {
+    case 0:
+    case 1:
+      session.command('#');
+      seen = stay = folded_texts(session);
+      return;
+    case 2:
+      return session.press(either ? 'x' : '#');
+    case 3:
+      return session.press(13);
+    case 4:
+      return session.press(either ? 127 : KEY_DC);
+    case 5:
+      return session.command('l');
+    case 6:
+      stay.clear();  // undo opens the folds within what it replaces
+      return session.command(either ? 'u' : 'w');
+    case 7:
+      return session.command(either ? KEY_DOWN : KEY_UP);
+    case 8:
+      if (on_folded) return;
+      Editor::_internal_clipboard = {U"pasted", U"## new", U"end"};
+      Editor::_internal_clipboard_fmt = {{}, {}, {}};
+      Editor::_internal_clipboard_pbl = {1};
+      return session.command('v');
+    case 9:
+      if (on_folded && session->cx > 0) return;
+      if (on_folded) stay.clear();
+      return session.command('p');
+    default:
+      return delete_stretch(session, random, stay);
+  }
+}
+
+}  // namespace
+
+// An edit never opens a chapter whose header line is still there, nothing ever folds a chapter that the user has
+// not folded, and the cursor never enters hidden text.
 TEST(Folding, folds_stay_on_their_headers_through_all_edits) {
   std::mt19937 random(11);
   EditorSession session({.rows = 12, .cols = 40});
@@ -115,86 +169,21 @@ TEST(Folding, folds_stay_on_their_headers_through_all_edits) {
     session.document(random_outline(random, pick(random, 3, 25)));
     session->_fold_hierarchical = round % 2 == 0;
     for (int step = 0; step < 60; ++step) {
+      SCOPED_TRACE("round " + std::to_string(round) + " step " + std::to_string(step));
       int target = pick(random, 0, session->_line_count() - 1);
       if (!session->_hidden_by_fold(target)) place_cursor(session, target, pick(random, 0, 14) % 13);
       session->_sel_clear();
-      std::vector<std::u32string> before = folded_texts(session);
-      std::vector<std::u32string> stay = before;
-      bool keeps_all = true;
-      int kind = pick(random, 0, 11);
-      bool on_folded = session->_folded_chapters.contains(session->cy);
-      switch (kind) {
-        case 0:
-        case 1:
-          session.command('#');
-          before = stay = folded_texts(session);
-          break;
-        case 2:
-          session.press(pick(random, 0, 1) == 0 ? 'x' : '#');
-          break;
-        case 3:
-          session.press(13);
-          break;
-        case 4:
-          session.press(pick(random, 0, 1) == 0 ? 127 : KEY_DC);
-          break;
-        case 5:
-          session.command('l');
-          break;
-        case 6:
-          session.command(pick(random, 0, 1) == 0 ? 'u' : 'w');
-          keeps_all = false;
-          break;
-        case 7:
-          session.command(pick(random, 0, 1) == 0 ? KEY_DOWN : KEY_UP);
-          break;
-        case 8:
-          if (on_folded && session->cx == 0) break;
-          Editor::_internal_clipboard = {U"pasted", U"## new", U"end"};
-          Editor::_internal_clipboard_fmt = {{}, {}, {}};
-          Editor::_internal_clipboard_pbl = {1};
-          session.command('v');
-          keeps_all = !on_folded;
-          break;
-        case 9:
-          session.command('p');
-          keeps_all = !on_folded;
-          break;
-        case 10: {
-          int line = pick(random, 0, session->_line_count() - 1);
-          session->_sel_anchor = {line, pick(random, 0, session->_line_length(line))};
-          if (auto range = session->_sel_range()) {
-            std::erase_if(stay, [&](const std::u32string& text) {
-              for (int ly = range->sy; ly <= range->ey; ++ly)
-                if (session->_line(ly).view() == text) return true;
-              return false;
-            });
-          }
-          session.press(KEY_DC);
-          break;
-        }
-        default:
-          session->do_insert_expansion(pick(random, 0, 1) == 0 || on_folded ? U"ab" : U"a\n# b\nc");
-          session->_keep_cursor_seen();
-          keeps_all = !on_folded;
-      }
+      std::vector<std::u32string> seen = folded_texts(session);
+      std::vector<std::u32string> stay = seen;
+      random_command(session, random, seen, stay);
       std::vector<std::u32string> after = folded_texts(session);
-      if (session->_folded_chapters.size() > 0)
-        for (const std::u32string& text : after)
-          ASSERT_TRUE(is_header(text)) << "round " << round << " step " << step << " kind " << kind;
-      if (kind > 1)
-        for (const std::u32string& text : after)
-          ASSERT_THAT(before, testing::Contains(text)) << "round " << round << " step " << step << " kind " << kind;
-      if (keeps_all)
-        for (const std::u32string& text : stay) {
-          bool survives = std::any_of(session->lines.begin(), session->lines.end(),
-                                      [&](const Text& line) { return line.view() == text; });
-          ASSERT_TRUE(!survives || std::find(after.begin(), after.end(), text) != after.end())
-              << "round " << round << " step " << step << " kind " << kind;
-        }
-      ASSERT_FALSE(hidden_by_folds(session->lines, session->_folded_chapters,
-                                   session->_fold_hierarchical)[static_cast<std::size_t>(session->cy)])
-          << "round " << round << " step " << step << " kind " << kind;
+      for (const std::u32string& text : after) ASSERT_TRUE(is_header(text));
+      for (const std::u32string& text : after) ASSERT_THAT(seen, Contains(text));
+      for (const std::u32string& text : stay)
+        if (std::find(session->lines.begin(), session->lines.end(), Text(text)) != session->lines.end())
+          ASSERT_THAT(after, Contains(text));
+      auto hidden = hidden_by_folds(session->lines, session->_folded_chapters, session->_fold_hierarchical);
+      ASSERT_FALSE(hidden[static_cast<std::size_t>(session->cy)]);
     }
   }
 }

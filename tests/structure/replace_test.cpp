@@ -23,9 +23,9 @@ TEST(Replace, changes_every_occurrence_as_one_step_and_says_how_many) {
     const char *before, *term, *by, *after, *message;
   };
   const Case cases[] = {
-      {"aaa\nAA|aa", "aa", "b", "ba\nAAb|", "Replaced 2 occurrence(s)."},
-      {"<b>one two thr|ee</b>", "two", "2", "<b>one </b>2<b> three|</b>", "Replaced 1 occurrence(s)."},
-      {"<b>x-y</b>-<i>|z</i>-", "-", "", "<b>xy</b><i>z|</i>", "Replaced 3 occurrence(s)."},
+      {"aaa\nAA|aa", "aa", "b", "ba\nAA|b", "Replaced 2 occurrence(s)."},
+      {"<b>one two thr|ee</b>", "two", "2", "<b>one </b>2<b> three</b>|", "Replaced 1 occurrence(s)."},
+      {"<b>x-y</b>-<i>|z</i>-", "-", "", "<b>xy</b><i>z</i>|", "Replaced 3 occurrence(s)."},
       {"⏎# a\n⏎|a", "a", "ab", "⏎# ab\n⏎|ab", "Replaced 2 occurrence(s)."},
       {"<b>xx</b>|", "xx", "", "|", "Replaced 1 occurrence(s)."},
   };

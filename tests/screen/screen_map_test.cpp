@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "tests/support/editor_session.h"
+
+namespace brenlow {
+namespace {
+
+using test::EditorSession;
+
+auto map_state(Editor& editor) {
+  editor._build_screen_map();
+  return std::tuple(editor._screen_map, editor._sm_lines, editor._sm_line_starts, editor._sep_prefix);
+}
+
+// One edit at a random place; a piece of text is typed more often than anything else.
+void random_edit(Editor& editor, std::mt19937& random) {
+  auto pick = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
+  editor.cy = pick(editor._line_count());
+  editor.cx = pick(3) ? pick(editor._line_length(editor.cy) + 1) : 0;
+  switch (pick(12)) {
+    case 0:
+      return editor.insert_newline();
+    case 1:
+      return editor.insert_pagebreak();
+    case 2:
+    case 3:
+      return editor.backspace();
+    case 4:
+      editor.cx = pick(2) ? editor._line_length(editor.cy) : editor.cx;
+      return editor.delete_char();
+    case 5:
+      return editor.delete_line();
+    case 6:
+      return pick(2) ? editor.do_undo() : editor.do_redo();
+    default:
+      for (int i = pick(6); i >= 0; --i) editor.insert_char(U"ab  -\t"[static_cast<std::size_t>(pick(6))]);
+  }
+}
+
+TEST(ScreenMap, PatchedByEditsItEqualsOneBuiltAfresh) {
+  for (int width : {1, 7, 40}) {
+    EditorSession session({.rows = 12, .cols = width + 2});
+    ASSERT_EQ(session->_wrap_width(), width);
+    session.document("|# a chapter\n⏎- an item of a list\n\nsome words in a line that is long\n⏎\n⏎last");
+    session->_build_screen_map();
+    std::mt19937 random(static_cast<unsigned>(width));
+    int patched = 0;
+    for (int edit = 0; edit < 600; ++edit) {
+      random_edit(session.editor(), random);
+      if (!session->_map_dirty) ++patched;
+      auto state = map_state(session.editor());
+      session->_map_dirty = true;
+      ASSERT_EQ(state, map_state(session.editor())) << "seed " << width << ", edit " << edit << "\n"
+                                                    << session.notation();
+    }
+    EXPECT_GT(patched, 550) << "an edit re-wraps its own lines only";
+  }
+}
+
+// Every row from the plain reading: walks the whole map for the last row of the line that begins at or before the
+// column; for a hidden line the row above it.
+int plain_row_of(const std::vector<MapEntry>& map, int ly, int column) {
+  int above = 0, found = -1;
+  for (int row = 0; row < static_cast<int>(map.size()); ++row) {
+    const MapEntry& entry = map[static_cast<std::size_t>(row)];
+    if (entry.ly < ly) above = row;
+    if (entry.ly == ly && (found < 0 || entry.start <= column)) found = row;
+  }
+  return found >= 0 ? found : above;
+}
+
+TEST(ScreenMap, ACharactersRowIsFoundAsAPlainScanFindsIt) {
+  EditorSession session({.rows = 12, .cols = 11});
+  session.document(
+      "|# one two three\nwords of a chapter that wrap\n\n- an item of a list\n# two\nhidden\n# three\nend");
+  for (const IndexSet& folded : {IndexSet{}, IndexSet{0, 4}, IndexSet{0, 4, 6}}) {
+    for (const IndexSet& filtered : {IndexSet{}, IndexSet{0, 2, 7}, IndexSet{0, 1, 2, 3, 4, 5, 6, 7}}) {
+      session->_folded_chapters = folded;
+      session->_kgrep_folds = filtered;
+      session->_invalidate_map();
+      const std::vector<MapEntry> map = session->_build_screen_map();
+      for (int ly = 0; ly < session->_line_count(); ++ly)
+        for (int column = 0; column <= session->_line_length(ly); ++column)
+          EXPECT_EQ(session->_logical_to_screen_row(ly, column, map), plain_row_of(map, ly, column))
+              << "line " << ly << ", column " << column;
+    }
+  }
+  EXPECT_TRUE(session->_build_screen_map().empty()) << "the last filter hides every line";
+  EXPECT_EQ(session.draw().row(1), " ── End ──");
+}
+
+TEST(ScreenMap, FoldsAndTheFilterTakeAwayRowsAndGiveThemBack) {
+  EditorSession session({.rows = 12, .cols = 42});
+  session.document("|intro\n⏎# a\ntext\n⏎## b\nmore\n# c");
+  auto shown = [&] {
+    std::vector<int> shown_lines;
+    for (const MapEntry& entry : session->_build_screen_map()) shown_lines.push_back(entry.ly);
+    return shown_lines;
+  };
+  const auto whole = map_state(session.editor());
+  session->_folded_chapters = {1, 3};
+  session->_invalidate_map();
+  EXPECT_EQ(shown(), (std::vector{0, 1, 3, 5}));
+  EXPECT_EQ(session->_count_separators(session->_screen_map, 0, 4), 0) << "a folded header shows no page break";
+  session->_fold_hierarchical = true;
+  session->_invalidate_map();
+  EXPECT_EQ(shown(), (std::vector{0, 1, 5}));
+  EXPECT_EQ(session->_sm_lines, (std::vector{1, 1, 0, 0, 0, 1}));
+  EXPECT_EQ(session->_sm_line_starts, (std::vector{0, 1, 2, 2, 2, 2}));
+  session->_folded_chapters = {3};
+  session->_kgrep_folds = {0, 5};
+  session->_invalidate_map();
+  EXPECT_EQ(shown(), (std::vector{1, 2, 3}));
+  EXPECT_EQ(session->_sep_prefix, (std::vector{0, 1, 1, 1}));
+  session.press('x');  // on a line the filter hides: refused, and nothing moves
+  EXPECT_EQ(shown(), (std::vector{1, 2, 3}));
+  session->_reset_folds();
+  session->_invalidate_map();
+  EXPECT_EQ(map_state(session.editor()), whole);
+}
+
+TEST(ScreenMap, ANewWidthIsNoticedAndANewHeightCostsNothing) {
+  EditorSession session({.rows = 12, .cols = 42});
+  session.document("|some words that wrap in a narrow window");
+  EXPECT_EQ(session->_build_screen_map().size(), 1u);
+  session.resize(12, 12);
+  EXPECT_EQ(session->_build_screen_map().size(), 5u);
+  session.press('x');
+  session.resize(30, 42);
+  EXPECT_EQ(session->_build_screen_map().size(), 1u);
+  session->_margin_left_pct = 50;
+  session->_invalidate_map();
+  EXPECT_EQ(session->_build_screen_map().size(), 3u);
+}
+
+// A letter in a long document leaves the map clean, its arrays in their place and the words counted.
+TEST(ScreenMap, ALetterInALongDocumentTouchesItsLineAlone) {
+  EditorSession session;
+  session.document("|");
+  session->lines.assign(100'000, Text(U"ten words that stand in each and every one line"));
+  session->fmt_lines.assign(100'000, SpanList());
+  session->pagebreak_lines = {500, 70'000};
+  session->_word_count.reset();
+  session->_invalidate_map();
+  session.draw();
+  EXPECT_EQ(session->_word_count, 1'000'000);
+  EXPECT_TRUE(session.screen().shows(" 1,000,000 words "));
+  for (int ly : {0, 50'000, 99'999}) {
+    session->cy = ly;
+    session->cx = 3;
+    session.draw();
+    const MapEntry* rows = session->_screen_map.data();
+    const int *starts = session->_sm_line_starts.data(), *separators = session->_sep_prefix.data();
+    session.press('x');
+    EXPECT_FALSE(session->_map_dirty);
+    EXPECT_EQ(session->_word_count, 1'000'000);
+    EXPECT_EQ(session->_screen_map.data(), rows);
+    EXPECT_EQ(session->_sm_line_starts.data(), starts);
+    EXPECT_EQ(session->_sep_prefix.data(), separators);
+    session.press({' ', 'y'});
+    EXPECT_EQ(session->_word_count, 1'000'001);
+    session.press(26);
+    session.press(26);
+    EXPECT_EQ(session->_word_count, 1'000'000);
+  }
+}
+
+}  // namespace
+}  // namespace brenlow
