@@ -37,6 +37,7 @@ bool is_editing_key(int key) {
 
 void Editor::run() {
   _prepare_terminal();
+  _serve_resize();  // a change of size before the handler was there
   auto last_frame = std::chrono::steady_clock::time_point{};
   for (;;) {
     if (_sigwinch_pending) _serve_resize();

@@ -103,7 +103,9 @@ void Editor::_ensure_cursor_visible() {
   int top = scroll_y + _count_separators(map, 0, scroll_y);
   if (visual < top) scroll_y = row;
   int extra = row == static_cast<int>(map.size()) - 1 ? 1 : 0;  // the end row stays in view
-  if (visual + extra >= top + edit_rows()) scroll_y = _first_row_showing(visual + extra - edit_rows() + 1);
+  // Where there is no room for the page break, the row and the end, the row goes first.
+  if (visual + extra >= top + edit_rows())
+    scroll_y = std::min(_first_row_showing(visual + extra - edit_rows() + 1), row);
 }
 
 }  // namespace brenlow

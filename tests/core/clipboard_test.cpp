@@ -210,7 +210,7 @@ TEST_F(Clipboard, TheRichCopyBringsItsFormatsAndPageBreaks) {
            Case{"^X\n⏎<b>Y</b>\n⏎<i>Z|z</i>", "<b>a|b</b>\nc\n⏎d", "<b>a</b>X\n⏎<b>Y</b>\n⏎<i>Z</i>|<b>b</b>\nc\n⏎d"},
            Case{"<b>^X</b>\nY|", "a<b>b|</b>", "a<b>bX</b>\nY|"},
            // A break on the first line copied lands on the line pasted at; on the first of all it moves down.
-           Case{"x\n⏎^X\nY|", "a\nb|c", "a\n⏎bX\nY|c"},
+           Case{"x\n⏎^X\nY|", "a\n\nb|c", "a\n\n⏎bX\nY|c"},
            Case{"x\n⏎^X\nY\nZ|", "|", "X\n⏎Y\nZ|"},
        }) {
     copy(c.copied);

@@ -50,7 +50,7 @@ TEST(Edits, EnterDividesTextFormatsAndPages) {
                                 {"ab|", {ENTER, ENTER}, "ab\n\n|"},
                                 {"|ab", {ENTER}, "\n|ab"},
                                 {"x\n<b>bo|ld</b>", {ENTER}, "x\n<b>bo</b>\n|<b>ld</b>"},
-                                {"x <i>a<b>b|c</b>d</i>", {ENTER}, "x <i>a<b>b</b></i>\n|<i><b>c</b>d</i>"},
+                                {"x <i>a<b>b|c</b>d</i>", {ENTER}, "x <i>a<b>b</b></i>\n|<b><i>c</i></b><i>d</i>"},
                                 {"x\n⏎|text\n⏎end", {ENTER}, "x\n⏎\n|text\n⏎end"},
                                 {"x\n⏎te|xt\n\n⏎end", {ENTER}, "x\n⏎te\n|xt\n\n⏎end"},
                             });

@@ -61,6 +61,8 @@ TEST(Movement, UpAndDownGoByRowsAndComeBackToTheirColumn) {
                        // Home and End take the whole line.
                        {wrapped + "|x", {UP, END}, "twelve two three four|\nx"},
                        {wrapped + "|x", {UP, HOME}, "|twelve two three four\nx"},
+                       // A row shorter than the column keeps the cursor, though its line goes on.
+                       {"1234567|8\none threefour", {DOWN}, "12345678\none| threefour"},
                        // A list item's rows count from their own first character.
                        {"- one two t|hree four", {DOWN}, "- one two three f|our"},
                    });
@@ -77,6 +79,7 @@ TEST(Movement, PagesAreAsLongAsTheTextArea) {
                        {"ab\n" + ten + "|", {PAGE_UP, PAGE_UP, PAGE_UP}, "a|b\n" + ten},
                        // The column may reach past the row it lands on, into the same line's next row.
                        {"12345678|9\na\na\na\na\none twothree", {PAGE_DOWN}, "123456789\na\na\na\na\none twot|hree"},
+                       {"one twothree\na\na\na\n12345678|9", {PAGE_UP}, "one twot|hree\na\na\na\n123456789"},
                    });
 }
 

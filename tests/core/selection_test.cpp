@@ -104,6 +104,16 @@ TEST(Selection, FormatIsSetUnlessAllHasItAlready) {
   }
 }
 
+TEST(Selection, ASelectionUpToALinesStartLeavesThatLinesSpansAsTheyAre) {
+  EditorSession session;
+  session.document("^a\n|bc");
+  const SpanList touching = span_list({{0, 1, FMT_BOLD}, {1, 2, FMT_BOLD}});
+  session->fmt_lines[1] = touching;
+  session.press(BOLD);
+  EXPECT_EQ(session.notation(), "<b>a</b>\n|<b>bc</b>");
+  EXPECT_EQ(session->fmt_lines[1], touching);
+}
+
 TEST(Selection, FormattingALineShownInSpiteOfTheFilterKeepsItShown) {
   EditorSession session;
   session.document("yes\nn^o|\nno\nyes");

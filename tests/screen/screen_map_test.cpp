@@ -91,41 +91,12 @@ TEST(ScreenMap, ACharactersRowIsFoundAsAPlainScanFindsIt) {
   EXPECT_EQ(session.draw().row(1), " ── End ──");
 }
 
-TEST(ScreenMap, FoldsAndTheFilterTakeAwayRowsAndGiveThemBack) {
-  EditorSession session({.rows = 12, .cols = 42});
-  session.document("|intro\n⏎# a\ntext\n⏎## b\nmore\n# c");
-  auto shown = [&] {
-    std::vector<int> shown_lines;
-    for (const MapEntry& entry : session->_build_screen_map()) shown_lines.push_back(entry.ly);
-    return shown_lines;
-  };
-  const auto whole = map_state(session.editor());
-  session->_folded_chapters = {1, 3};
-  session->_invalidate_map();
-  EXPECT_EQ(shown(), (std::vector{0, 1, 3, 5}));
-  EXPECT_EQ(session->_count_separators(session->_screen_map, 0, 4), 0) << "a folded header shows no page break";
-  session->_fold_hierarchical = true;
-  session->_invalidate_map();
-  EXPECT_EQ(shown(), (std::vector{0, 1, 5}));
-  EXPECT_EQ(session->_sm_lines, (std::vector{1, 1, 0, 0, 0, 1}));
-  EXPECT_EQ(session->_sm_line_starts, (std::vector{0, 1, 2, 2, 2, 2}));
-  session->_folded_chapters = {3};
-  session->_kgrep_folds = {0, 5};
-  session->_invalidate_map();
-  EXPECT_EQ(shown(), (std::vector{1, 2, 3}));
-  EXPECT_EQ(session->_sep_prefix, (std::vector{0, 1, 1, 1}));
-  session.press('x');  // on a line the filter hides: refused, and nothing moves
-  EXPECT_EQ(shown(), (std::vector{1, 2, 3}));
-  session->_reset_folds();
-  session->_invalidate_map();
-  EXPECT_EQ(map_state(session.editor()), whole);
-}
-
 TEST(ScreenMap, ANewWidthIsNoticedAndANewHeightCostsNothing) {
   EditorSession session({.rows = 12, .cols = 42});
   session.document("|some words that wrap in a narrow window");
   EXPECT_EQ(session->_build_screen_map().size(), 1u);
   session.resize(12, 12);
+  session->_map_dirty = false;  // nobody told the map
   EXPECT_EQ(session->_build_screen_map().size(), 5u);
   session.press('x');
   session.resize(30, 42);

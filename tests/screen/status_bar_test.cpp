@@ -130,17 +130,18 @@ TEST(StatusBar, TheViewScrollsNoFurtherThanItMust) {
   EXPECT_EQ(session.screen().row(1), " ──── Page Break ──");
 }
 
-TEST(StatusBar, ACursorWithoutACellOfItsOwnIsNotPlacedOnTheBar) {
-  EditorSession session({.rows = 5, .cols = 20});
-  session.document("# a header much longer than the window| is\nhidden");
-  session->_folded_chapters = {0};
-  session->_invalidate_map();
-  EXPECT_LT(session.draw().cursor_col(), 20);
-  session.document("one\n⏎tw|o");
-  session->_margin_bottom_pct = 60;  // one row of text: the page break takes it
-  session.draw();
-  EXPECT_EQ(session->edit_rows(), 1);
-  EXPECT_FALSE(session.screen().shows("two"));
+TEST(StatusBar, ACursorOutOfViewIsNotPlacedOnTheBar) {
+  EditorSession session({.rows = 3, .cols = 40});
+  session.document("one\n⏎two| three");
+  EXPECT_EQ(session.draw().row(1), " ──────────────────────── Page Break ──") << "it takes the one row of text";
+  EXPECT_NE(session.screen().cursor_col(), 4);
+  session.document("two| three");
+  EXPECT_EQ(session.draw().row(1), " two three") << "rather than the end";
+  session->_bar_state = 3;
+  session.document("one\n⏎two| three");
+  EXPECT_EQ(session.draw().row(2), " two three");
+  EXPECT_EQ(session.screen().cursor_row(), 2);
+  EXPECT_EQ(session.screen().cursor_col(), 4);
 }
 
 }  // namespace

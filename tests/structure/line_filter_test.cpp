@@ -157,10 +157,11 @@ TEST(LineFilter, is_right_after_every_edit) {
       }
       ASSERT_EQ(session->_kgrep_folds, lines_without(session, term)) << "round " << round << " step " << step;
       ASSERT_FALSE(session->_kgrep_folds.contains(session->cy)) << "round " << round << " step " << step;
-      if (!(session.triple().lines == before.lines))
+      if (session.triple().lines != before.lines) {
         ASSERT_TRUE(session->message.ends_with(std::to_string(session->_line_count() - session->_kgrep_folds.size()) +
                                                " shown, " + std::to_string(session->_kgrep_folds.size()) + " hidden]"))
             << session->message;
+      }
     }
   }
 }
