@@ -162,7 +162,7 @@ void Editor::_insert_many_parts(const std::vector<std::u32string_view>& parts, b
     breaks.shift(0, cy);
     pagebreak_lines.merge(breaks);
   }
-  _shift_folded_chapters(cy + 1, added);
+  _shift_folded_chapters(at == 0 ? cy : cy + 1, added);  // a folded header that moves down whole stays folded
   cy += added;
   cx = last_length;
 }

@@ -48,7 +48,8 @@ void Editor::_edit_document(const std::function<void()>& change) {
   _kgrep_refresh();
 }
 
-// Divides the line; breaks and folds behind it move down. A break on the line stays on the upper part.
+// Divides the line; breaks and folds behind it move down. A break on the line stays on the upper part, and a
+// folded header that moves down whole takes its fold along.
 void Editor::_split_line(int ly, int col) {
   std::u32string_view text = _line(ly).view();
   auto at = static_cast<std::size_t>(col);
@@ -60,7 +61,7 @@ void Editor::_split_line(int ly, int col) {
   _fmt(ly) = std::move(spans.left);
   fmt_lines.insert(fmt_lines.begin() + ly + 1, std::move(spans.right));
   pagebreak_lines.shift(ly + 1, 1);
-  _shift_folded_chapters(ly + 1, 1);
+  _shift_folded_chapters(col == 0 ? ly : ly + 1, 1);
 }
 
 void Editor::_remove_line(int ly) {
@@ -140,6 +141,10 @@ void Editor::backspace() {
       return 1;
     });
   } else if (cy > 0) {
+    if (_folded_chapters.contains(cy - 1) || _hidden_by_fold(cy - 1)) {  // the line would vanish from view
+      _show_message(CHAPTER_IS_FOLDED);
+      return;
+    }
     _edit_lines(cy - 1, cy + 1, [&] {
       --cy;
       cx = _line_length(cy);

@@ -23,16 +23,10 @@ constexpr milliseconds RESIZE_LOOK_INTERVAL{20};
 constexpr std::chrono::seconds INFOCMP_LIMIT{2};
 
 // Whether `first` behind ESC is a key of its own and begins no sequence: the rest of a burst is then other
-// keys. A second ESC and the bytes of a longer character are read on.
+// keys. The bytes of a longer character are read on.
 bool is_plain_key(const EscapeMap& map, char first) {
   auto byte = static_cast<unsigned char>(first);
-  return byte < 0x80 && byte != KEY_ESC && !is_escape_prefix(map, {&first, 1});
-}
-
-// Whether the key that `bytes` belong to may have more. Behind a second ESC comes what behind the first may come.
-bool is_incomplete(const EscapeMap& map, std::string_view bytes) {
-  if (bytes.starts_with(static_cast<char>(KEY_ESC))) bytes.remove_prefix(1);
-  return bytes.empty() || is_escape_prefix(map, bytes);
+  return byte < 0x80 && !is_escape_prefix(map, {&first, 1});
 }
 
 }  // namespace
@@ -155,11 +149,15 @@ int Editor::_read_escape_seq() {
   };
   while (bytes.size() < LONGEST_SEQUENCE) {
     // Waits for the first byte, and for the rest of a sequence that a slow line has cut.
-    bool more_expected = is_incomplete(_ESC_MAP, bytes);
+    bool more_expected = bytes.empty() || is_escape_prefix(_ESC_MAP, bytes);
     int next = _getch_nowait(more_expected ? time_left() : milliseconds(0));
     if (next == NO_KEY) {
       if (more_expected && Clock::now() < deadline) continue;
       break;
+    }
+    if (next == KEY_ESC && bytes.empty()) {
+      --_input_at;  // the next key begins here, with its own sequence perhaps
+      return KEY_ESC;
     }
     bytes.push_back(static_cast<char>(next));
     if (auto token = _escape_token(bytes)) return *token;

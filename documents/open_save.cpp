@@ -254,7 +254,7 @@ void Editor::_insert_triple(const DocumentTriple& loaded) {
   breaks.shift(0, cy);
   pagebreak_lines.merge(breaks);
   _guard_pagebreak_line_zero();
-  _shift_folded_chapters(cy + 1, added);
+  _shift_folded_chapters(head.empty() ? cy : cy + 1, added);  // a folded header that moves down whole stays folded
   cy += added;
   cx = inserted_end;
   modified = true;

