@@ -52,10 +52,9 @@ void run_key_debug(_win_st* screen) {
     }
     std::vector<int> codes{key};
     if (key == KEY_ESC) {
-      ::halfdelay(1);
+      ::wtimeout(screen, 100);
       for (int next = ::wgetch(screen); next != ERR; next = ::wgetch(screen)) codes.push_back(next);
-      ::nocbreak();
-      ::raw();
+      ::wtimeout(screen, -1);
     }
     if (row >= ::getmaxy(screen) - 1) {
       ::werase(screen);

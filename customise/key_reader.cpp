@@ -58,15 +58,15 @@ const std::u32string* Editor::_expansion_for(int key) const {
   return found == _expansions.end() ? nullptr : &found->second;
 }
 
-// A terminal told to change its font size takes a moment; when its window has changed, or the moment is
-// over, the change is served like any other resize.
+// A terminal told to change its font size takes a moment; when its window has changed, that is served like any
+// other resize.
 void Editor::_look_at_resize_watch() {
   if (!font_ctrl || !font_ctrl->resize_watch) return;
   auto size = terminal_size(_machine.input);
   bool changed = size && *size != font_ctrl->resize_watch->before;
   if (!changed && Clock::now() < font_ctrl->resize_watch->until) return;
   font_ctrl->resize_watch.reset();
-  ::raise(SIGWINCH);
+  if (changed) ::raise(SIGWINCH);
 }
 
 // Waits until input is there (true), the limit is over or a signal came (false). SIGWINCH is delivered
