@@ -18,11 +18,12 @@
 
 namespace brenlow::bench {
 
-// A session on a pseudo terminal of 50 x 120 whose output a thread reads away. One per process.
+// A session on a pseudo terminal of 24 x 80, which a page of 300 words fills, whose output a thread reads away. One per
+// process.
 class Session {
  public:
   Session() : _home(std::filesystem::temp_directory_path() / ("brenlow-bench-" + std::to_string(::getpid()))) {
-    winsize size{50, 120, 0, 0};
+    winsize size{24, 80, 0, 0};
     if (::openpty(&_master, &_slave, nullptr, nullptr, &size) != 0) throw std::runtime_error("no pseudo terminal");
     _reader = std::thread([this] {
       std::array<char, 65536> bytes;
@@ -32,7 +33,7 @@ class Session {
     _out = ::fdopen(::dup(_slave), "w");
     _in = ::fdopen(::dup(_slave), "r");
     ::newterm("xterm-256color", _out, _in);
-    ::resizeterm(50, 120);
+    ::resizeterm(24, 80);
     Machine machine;
     machine.files = config_files(_home.string());
     machine.tty = "/dev/null";

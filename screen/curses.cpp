@@ -39,10 +39,17 @@ void put(WINDOW* window, int row, int column, std::u32string_view text, attr_t a
   if (text.empty() || row < 0 || column < 0 || row >= ::getmaxy(window) || column >= ::getmaxx(window)) return;
   auto room = static_cast<std::size_t>(::getmaxx(window) - column);
   if (text.size() > room) text = text.substr(0, room);
+  // One cell is made by the library; the others are copies with a character of their own, which is most of a
+  // frame's cost.
+  cchar_t blank;
+  ::setcchar(&blank, L" ", attributes, static_cast<short>(pair), nullptr);
   static std::vector<cchar_t> cells;
-  cells.resize(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i)
-    ::setcchar(&cells[i], shown(text[i]).data(), attributes, static_cast<short>(pair), nullptr);
+  cells.assign(text.size(), blank);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    std::array<wchar_t, 3> characters = shown(text[i]);
+    cells[i].chars[0] = characters[0];
+    cells[i].chars[1] = characters[1];
+  }
   ::mvwadd_wchnstr(window, row, column, cells.data(), static_cast<int>(cells.size()));
 }
 
