@@ -20,23 +20,15 @@ TEST(Movement, CharactersWordsAndLineEndsAreReachedAndTheDocumentsEdgesHold) {
                                 {"a|b\ncd", {RIGHT, RIGHT}, "ab\n|cd"},
                                 {"ab\n|cd", {LEFT, LEFT}, "a|b\ncd"},
                                 {"|ab", {LEFT}, "|ab"},
-                                {"ab\n|", {RIGHT}, "ab\n|"},
                                 {"|", {LEFT, RIGHT, UP, DOWN, HOME, END, PAGE_UP, PAGE_DOWN}, "|"},
-                                {"ab|cd", {HOME}, "|abcd"},
-                                {"ab|cd", {END}, "abcd|"},
                                 // Words end at blanks alone: not at tabs, punctuation or other white space.
-                                {"|one  two", {WORD_RIGHT}, "one  |two"},
                                 {"|don't,stop\tnow here", {WORD_RIGHT}, "don't,stop\tnow |here"},
                                 {"on|e  two  ", {WORD_RIGHT, WORD_RIGHT}, "one  two  |"},
                                 {"one|\n  two", {WORD_RIGHT}, "one\n|  two"},
                                 {"one\n|  two", {WORD_RIGHT}, "one\n  |two"},
-                                {"one|", {WORD_RIGHT}, "one|"},
-                                {"one  two|", {WORD_LEFT}, "one  |two"},
-                                {"one  |two", {WORD_LEFT}, "|one  two"},
                                 {"one, tw|o", {WORD_LEFT, WORD_LEFT}, "|one, two"},
                                 {"one \n  |two", {WORD_LEFT}, "one \n|  two"},
                                 {"one \n|  two", {WORD_LEFT}, "one |\n  two"},
-                                {"|one", {WORD_LEFT}, "|one"},
                             });
 }
 
@@ -49,13 +41,9 @@ TEST(Movement, UpAndDownGoByRowsAndComeBackToTheirColumn) {
                        {"twelve |two three four", {DOWN}, "twelve two three f|our"},
                        {"twelve two three fou|r", {UP}, "twelve tw|o three four"},
                        {"12345678|9\nab\n123456789", {DOWN, DOWN}, "123456789\nab\n12345678|9"},
-                       {"123456789\nab\n12345678|9", {UP, UP}, "12345678|9\nab\n123456789"},
-                       {"12345678|9\nab\n123456789", {DOWN, LEFT, DOWN}, "123456789\nab\n1|23456789"},
                        {"12345678|9\nab\n123456789", {DOWN, HOME, DOWN}, "123456789\nab\n|123456789"},
-                       {"1234567|\nab\n12345678", {DOWN, WORD_LEFT, DOWN}, "1234567\nab\n|12345678"},
                        // At the last row the column is still remembered.
                        {"12345678|9\nab", {DOWN, DOWN, UP}, "12345678|9\nab"},
-                       {"ab\n1234|56789", {UP, UP, DOWN}, "ab\n1234|56789"},
                        // The blank a row was broken at belongs to the upper row.
                        {"twelve two| three four\n123456789012", {DOWN, DOWN}, "twelve two three four\n1234567890|12"},
                        // Home and End take the whole line.
@@ -75,61 +63,19 @@ TEST(Movement, PagesAreAsLongAsTheTextArea) {
                    {
                        {"a|b\n" + ten, {PAGE_DOWN}, "ab\n0\n1\n2\n3\n4|\n5\n6\n7\n8\n9"},
                        {"a|b\n" + ten, {PAGE_DOWN, PAGE_DOWN, PAGE_DOWN, PAGE_UP, PAGE_UP}, "a|b\n" + ten},
-                       {"ab\n" + ten + "|", {PAGE_UP}, "ab\n0\n1\n2\n3\n4|\n5\n6\n7\n8\n9"},
                        {"ab\n" + ten + "|", {PAGE_UP, PAGE_UP, PAGE_UP}, "a|b\n" + ten},
                        // The column may reach past the row it lands on, into the same line's next row.
                        {"12345678|9\na\na\na\na\none twothree", {PAGE_DOWN}, "123456789\na\na\na\na\none twot|hree"},
-                       {"one twothree\na\na\na\n12345678|9", {PAGE_UP}, "one twot|hree\na\na\na\n123456789"},
                    });
 }
 
 TEST(Movement, TypedTextTakesTheFormatLeftOfTheCursor) {
   EditorSession session;
-  for (const auto& [before, key, after] :
-       {std::tuple{"a|a<b>bb</b>", RIGHT, "aax|<b>bb</b>"}, std::tuple{"aa<b>|bb</b>", RIGHT, "aa<b>bx|b</b>"},
-        std::tuple{"aa<b>b|b</b>", RIGHT, "aa<b>bbx</b>|"}, std::tuple{"<i>aa|</i>", HOME, "<i>x|aa</i>"},
-        std::tuple{"|a\n<b>b</b>", DOWN, "a\n<b>x|b</b>"}, std::tuple{"|aa <b>b</b>", WORD_RIGHT, "aa x|<b>b</b>"}}) {
-    session.document(before);
-    session.press({key, 'x'});
-    EXPECT_EQ(session.notation(), after) << before;
-  }
-}
-
-TEST(Movement, HiddenLinesAreSteppedOver) {
-  EditorSession session;
-  const std::string text = "intro\n# One\ninside\n\n# Two\nend";
-  for (const auto& [before, key, after] : {
-           std::tuple{"intro\n# One|\ninside\n\n# Two\nend", RIGHT, "intro\n# One\ninside\n\n|# Two\nend"},
-           std::tuple{"intro\n# One|\ninside\n\n# Two\nend", WORD_RIGHT, "intro\n# One\ninside\n\n|# Two\nend"},
-           std::tuple{"intro\n# One\ninside\n\n|# Two\nend", LEFT, "intro\n# One|\ninside\n\n# Two\nend"},
-           std::tuple{"intro\n# One\ninside\n\n|# Two\nend", WORD_LEFT, "intro\n# One|\ninside\n\n# Two\nend"},
-           std::tuple{"intro\n# One|\ninside\n\n# Two\nend", DOWN, "intro\n# One\ninside\n\n# Two|\nend"},
-           std::tuple{"intro\n# One\ninside\n\n# Two|\nend", RIGHT, "intro\n# One\ninside\n\n# Two|\nend"},
-           std::tuple{"intro\n# One\ninside\n\n# Two|\nend", DOWN, "intro\n# One\ninside\n\n# Two|\nend"},
-           std::tuple{"intro\n# One|\ninside\n\n# Two\nend", _KEY_SHIFT_RIGHT, "intro\n# One^\ninside\n\n|# Two\nend"},
-           std::tuple{"intro\n# One\ninside\n\n|# Two\nend", _KEY_CTRL_SHIFT_LEFT,
-                      "intro\n# One|\ninside\n\n^# Two\nend"},
-       }) {
-    session.document(before);
-    session->_folded_chapters = {1, 4};
-    session->_invalidate_map();
-    session.press(key);
-    EXPECT_EQ(session.notation(), after) << "folded, from " << before << " by " << key;
-  }
-
-  for (const auto& [before, key, after] :
-       {std::tuple{"yes|\nno\nno\nyes", RIGHT, "yes\nno\nno\n|yes"},
-        std::tuple{"yes\nno\nno\n|yes", LEFT, "yes|\nno\nno\nyes"},
-        std::tuple{"yes|\nno\nno\nyes", WORD_RIGHT, "yes\nno\nno\n|yes"},
-        std::tuple{"yes\nno\nno\n|yes", WORD_LEFT, "yes|\nno\nno\nyes"},
-        std::tuple{"yes|\nno\nno", RIGHT, "yes|\nno\nno"}, std::tuple{"no\nno\n|yes", LEFT, "no\nno\n|yes"},
-        std::tuple{"|yes\nno\nno\nyes", DOWN, "yes\nno\nno\n|yes"}}) {
-    session.document(before);
-    session->_kgrep_term = U"yes";
-    session->_kgrep_refresh();
-    session.press(key);
-    EXPECT_EQ(session.notation(), after) << "filtered, from " << before << " by " << key;
-  }
+  expect_key_cases(session, {{"a|a<b>bb</b>", {RIGHT, 'x'}, "aax|<b>bb</b>"},
+                             {"aa<b>|bb</b>", {RIGHT, 'x'}, "aa<b>bx|b</b>"},
+                             {"<i>aa|</i>", {HOME, 'x'}, "<i>x|aa</i>"},
+                             {"|a\n<b>b</b>", {DOWN, 'x'}, "a\n<b>x|b</b>"},
+                             {"|aa <b>b</b>", {WORD_RIGHT, 'x'}, "aa x|<b>b</b>"}});
 }
 
 // With any folds and any filter: no key leaves the cursor on a hidden line, and from the first line shown to the
@@ -157,7 +103,10 @@ TEST(Movement, EveryShownLineIsReachedAndNoHiddenOne) {
       std::vector<int> visited{session->cy};
       for (int i = 0; i < 300; ++i) {
         session.press(key);
-        if (visited.back() != session->cy) visited.push_back(session->cy);
+        if (visited.back() == session->cy) continue;
+        visited.push_back(session->cy);
+        bool forward = key == RIGHT || key == WORD_RIGHT;
+        EXPECT_EQ(session->cx, forward ? 0 : session->_line(session->cy).length()) << text;
       }
       return visited;
     };

@@ -7,58 +7,48 @@
 namespace brenlow {
 namespace {
 
-std::size_t kept_characters(const UndoRecord& record) {
-  std::size_t count = 0;
-  for (const Text& line : record.old_lines) count += line.size();
-  for (const Text& line : record.new_lines) count += line.size();
-  return count;
-}
-
-struct Random {
-  std::mt19937 engine{11};
-  int below(int limit) { return static_cast<int>(engine() % static_cast<unsigned>(limit)); }
-};
-
-// Changes some lines, characters and formats of the document at random, anywhere.
-void change(DocumentTriple& d, Random& random) {
-  for (int i = random.below(4); i >= 0; --i) {
-    auto at = static_cast<std::size_t>(random.below(static_cast<int>(d.lines.size())));
-    switch (random.below(4)) {
-      case 0:
-        d.lines[at] = d.lines[at].spliced(static_cast<std::size_t>(random.below(d.lines[at].length() + 1)), 0, U"xy z");
-        d.fmt_lines[at] = span_list({{0, 2, 1 + random.below(3)}});
-        break;
-      case 1:
-        splice(d.lines, static_cast<int>(at), 1, {d.lines[at], Text(U"new")});
-        splice(d.fmt_lines, static_cast<int>(at), 1, {d.fmt_lines[at], SpanList()});
-        break;
-      case 2:
-        if (d.lines.size() == 1) break;
-        splice(d.lines, static_cast<int>(at), 1, std::vector<Text>());
-        splice(d.fmt_lines, static_cast<int>(at), 1, std::vector<SpanList>());
-        break;
-      default:
-        d.pagebreak_lines.insert(1 + random.below(5));
-        break;
-    }
-  }
+UndoRecord record_of(DocumentTriple& d, int first, int end, auto&& edit) {
+  const int behind = static_cast<int>(d.lines.size()) - end;
+  UndoRecord record = open_record(d.lines, d.fmt_lines, d.pagebreak_lines, first, end);
+  edit();
+  finish_record(record, d.lines, d.fmt_lines, d.pagebreak_lines, static_cast<int>(d.lines.size()) - behind);
+  return record;
 }
 
 TEST(UndoRecord, BringsBackBothSidesOfAnyChange) {
-  Random random;
+  std::mt19937 random(11);
+  DocumentTriple document;
+  document.lines.assign(5, Text(U"some words"));
+  document.lines[2] = Text(std::u32string(1500, U'a'));
+  document.fmt_lines.assign(5, span_list({{1, 3, FMT_BOLD}}));
+  document.fmt_lines[2] = span_list({{1, 3, 1}, {700, 800, 2}, {1400, 1500, 3}});
+  const DocumentTriple before = document;
+  auto change = [&] {
+    auto at = static_cast<int>(random() % document.lines.size());
+    const std::size_t line = static_cast<std::size_t>(at);
+    switch (random() % 4) {
+      case 0:
+        document.lines[line] = document.lines[line].spliced(random() % (document.lines[line].size() + 1), 0, U"xy z");
+        document.fmt_lines[line] = span_list({{0, 2, 1 + static_cast<int>(random() % 3)}});
+        break;
+      case 1:
+        splice(document.lines, at, 1, {document.lines[line], Text(U"new")});
+        splice(document.fmt_lines, at, 1, {document.fmt_lines[line], SpanList()});
+        break;
+      case 2:
+        splice(document.lines, at, 1, std::vector<Text>());
+        splice(document.fmt_lines, at, 1, std::vector<SpanList>());
+        break;
+      default:
+        document.pagebreak_lines.insert(1 + static_cast<int>(random() % 5));
+    }
+  };
   for (int round = 0; round < 500; ++round) {
-    DocumentTriple document;
-    document.lines.assign(5, Text(U"some words"));
-    document.lines[2] = Text(std::u32string(1500, U'a'));
-    document.fmt_lines.assign(5, span_list({{1, 3, FMT_BOLD}}));
-    document.fmt_lines[2] = span_list({{1, 3, 1}, {700, 800, 2}, {1400, 1500, 3}});
-    DocumentTriple before = document;
-    UndoRecord record = open_record(document.lines, document.fmt_lines, document.pagebreak_lines, 0,
-                                    static_cast<int>(document.lines.size()));
-    change(document, random);
-    DocumentTriple after = document;
-    finish_record(record, document.lines, document.fmt_lines, document.pagebreak_lines,
-                  static_cast<int>(document.lines.size()));
+    document = before;
+    const UndoRecord record = record_of(document, 0, 5, [&] {
+      for (auto changes = 1 + random() % 4; changes > 0; --changes) change();
+    });
+    const DocumentTriple after = document;
     apply_record(record, false, document.lines, document.fmt_lines, document.pagebreak_lines);
     ASSERT_EQ(document, before);
     apply_record(record, true, document.lines, document.fmt_lines, document.pagebreak_lines);
@@ -71,29 +61,23 @@ TEST(UndoRecord, CostsWhatChangedNotWhatItCovers) {
   d.lines.assign(50'000, Text());
   for (Text& line : d.lines) line = Text(U"a line of a long novel");
   d.fmt_lines.assign(d.lines.size(), SpanList());
-  auto covering_all = [&](auto&& edit) {
-    UndoRecord record = open_record(d.lines, d.fmt_lines, d.pagebreak_lines, 0, static_cast<int>(d.lines.size()));
-    edit();
-    finish_record(record, d.lines, d.fmt_lines, d.pagebreak_lines, static_cast<int>(d.lines.size()));
-    return record;
-  };
-  UndoRecord deleted = covering_all([&] {
-    d.lines.erase(d.lines.begin() + 20'000);
-    d.fmt_lines.pop_back();
-  });
-  EXPECT_EQ(deleted.old_lines.size() + deleted.new_lines.size(), 1U);
-  UndoRecord scattered = covering_all([&] {
+  const UndoRecord scattered = record_of(d, 0, 50'000, [&] {
     d.lines[3] = Text(U"one");
     d.lines[40'000] = Text(U"two");
   });
   EXPECT_EQ(scattered.old_lines.size() + scattered.new_lines.size(), 4U);
   EXPECT_EQ(scattered.word_delta, 2 - 12);
-
+  const UndoRecord deleted = record_of(d, 0, 50'000, [&] {
+    d.lines.erase(d.lines.begin() + 20'000);
+    d.fmt_lines.pop_back();
+  });
+  EXPECT_EQ(deleted.old_lines.size() + deleted.new_lines.size(), 1U);
   d.lines[5] = Text(std::u32string(1'000'000, U'x'));
-  UndoRecord typed = open_record(d.lines, d.fmt_lines, d.pagebreak_lines, 5, 6);
-  d.lines[5] = d.lines[5].spliced(500'000, 0, U"y");
-  finish_record(typed, d.lines, d.fmt_lines, d.pagebreak_lines, 6);
-  EXPECT_LT(kept_characters(typed), 10U);
+  const UndoRecord typed = record_of(d, 5, 6, [&] { d.lines[5] = d.lines[5].spliced(500'000, 0, U"y"); });
+  std::size_t kept = 0;
+  for (const auto& side : {typed.old_lines, typed.new_lines})
+    for (const Text& line : side) kept += line.size();
+  EXPECT_LT(kept, 10U);
 }
 
 }  // namespace

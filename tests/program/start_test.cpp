@@ -25,20 +25,9 @@ TEST(Start, WithoutAUsableTerminalItSaysSoInOneLineAndLeaves) {
   }
 }
 
-TEST(Start, DocumentsOpenByNameAndADamagedOneLeavesAnUsableSession) {
-  ProgramOptions options;
-  options.home_files = {{"notes.md", "# First\n\nA café at the harbour."}, {"broken.odt", "no package at all"}};
-  options.arguments = {"notes.md"};
-  {
-    PtyProgram program(brenlow_program(), options);
-    program.wait_for("Opened: notes.md");
-    program.wait_for("A café at the harbour.");
-    program.send(QUIT);
-    EXPECT_EQ(program.wait_for_end(), (ProgramEnd{.status = 0, .signal = 0}));
-    EXPECT_EQ(read_bytes(program.home().file("notes.md")), "# First\n\nA café at the harbour.");
-  }
-  options.arguments = {"broken.odt"};
-  PtyProgram program(brenlow_program(), options);
+TEST(Start, ADamagedDocumentLeavesAUsableSessionAndTheFile) {
+  PtyProgram program(brenlow_program(),
+                     {.arguments = {"broken.odt"}, .home_files = {{"broken.odt", "no package at all"}}});
   program.wait_for("Error opening file: ");
   program.send("still here");
   program.wait_for("still here");
@@ -46,9 +35,7 @@ TEST(Start, DocumentsOpenByNameAndADamagedOneLeavesAnUsableSession) {
 }
 
 TEST(Start, APathThatDoesNotExistIsANewDocumentAndNoFile) {
-  ProgramOptions options;
-  options.arguments = {"novel.odt"};
-  PtyProgram program(brenlow_program(), options);
+  PtyProgram program(brenlow_program(), {.arguments = {"novel.odt"}});
   program.wait_for("New file: novel.odt");
   program.send(QUIT);
   EXPECT_EQ(program.wait_for_end(), (ProgramEnd{.status = 0, .signal = 0}));
@@ -56,21 +43,16 @@ TEST(Start, APathThatDoesNotExistIsANewDocumentAndNoFile) {
 }
 
 TEST(Start, FontDebugTellsAboutTheTerminalWithoutNeedingOne) {
-  ProgramOptions options;
-  options.arguments = {"ignored.odt", "--font-debug"};
-  options.environment = {{"TERM", "foot"}, {"FOOT_VERSION", "1.13"}};
-  options.input_is_terminal = false;
-  options.output_is_terminal = false;
-  PtyProgram program(brenlow_program(), options);
+  PtyProgram program(brenlow_program(), {.arguments = {"ignored.odt", "--font-debug"},
+                                         .environment = {{"FOOT_VERSION", "1.13"}},
+                                         .input_is_terminal = false,
+                                         .output_is_terminal = false});
   EXPECT_EQ(program.wait_for_end(), (ProgramEnd{.status = 0, .signal = 0}));
   EXPECT_NE(program.output().find("foot"), std::string::npos) << program.output();
 }
 
 TEST(Start, KeyDebugShowsTheBytesOfEachKeyAndGivesTheTerminalBack) {
-  ProgramOptions options;
-  options.arguments = {"ignored.odt", "--key-debug"};
-  options.rows = 8;
-  PtyProgram program(brenlow_program(), options);
+  PtyProgram program(brenlow_program(), {.arguments = {"ignored.odt", "--key-debug"}, .rows = 8});
   program.wait_for("Key debug mode — press keys to see their byte sequences.");
   program.wait_for("Press Ctrl+C or Ctrl+D to quit.");
   program.send("a");

@@ -26,31 +26,6 @@ const Tag* tag_at(std::u32string_view rest) {
   return found == TAGS.end() ? nullptr : &*found;
 }
 
-// Prints one line: the tags are opened and closed as the format changes.
-class LinePrinter {
- public:
-  explicit LinePrinter(std::u32string& out) : _out(out) {}
-
-  // Closes what does not go on into `format`; an inner format is closed with the outer one.
-  void close_all_but(int format) {
-    while (!_open.empty() && std::any_of(_open.begin(), _open.end(), [&](int bit) { return (bit & ~format) != 0; })) {
-      _out += _open.back() == FMT_BOLD ? U"</b>" : U"</i>";
-      _open.pop_back();
-    }
-  }
-  void open_all_of(int format) {
-    for (int bit : {FMT_BOLD, FMT_ITALIC}) {
-      if ((format & bit) == 0 || std::find(_open.begin(), _open.end(), bit) != _open.end()) continue;
-      _out += bit == FMT_BOLD ? U"<b>" : U"<i>";
-      _open.push_back(bit);
-    }
-  }
-
- private:
-  std::u32string& _out;
-  std::vector<int> _open;
-};
-
 std::string print(const DocumentTriple& document, std::optional<std::pair<int, int>> cursor,
                   std::optional<std::pair<int, int>> anchor) {
   std::u32string out;
@@ -59,13 +34,21 @@ std::string print(const DocumentTriple& document, std::optional<std::pair<int, i
     auto number = static_cast<int>(ly);
     if (ly > 0) out += U'\n';
     if (document.pagebreak_lines.contains(number)) out += PAGE_BREAK;
-    LinePrinter printer(out);
+    std::vector<int> open;  // formats, the innermost last
     for (int x = 0; x <= line.length(); ++x) {
       int format = x < line.length() ? format_at(document.fmt_lines[ly], x) : 0;
-      printer.close_all_but(format);
+      // An inner format is closed with the outer one.
+      while (std::any_of(open.begin(), open.end(), [&](int bit) { return (bit & ~format) != 0; })) {
+        out += open.back() == FMT_BOLD ? U"</b>" : U"</i>";
+        open.pop_back();
+      }
       if (anchor == std::pair(number, x)) out += U'^';
       if (cursor == std::pair(number, x)) out += U'|';
-      printer.open_all_of(format);
+      for (int bit : {FMT_BOLD, FMT_ITALIC}) {
+        if ((format & bit) == 0 || std::find(open.begin(), open.end(), bit) != open.end()) continue;
+        out += bit == FMT_BOLD ? U"<b>" : U"<i>";
+        open.push_back(bit);
+      }
       if (x == line.length()) break;
       char32_t character = line[static_cast<std::size_t>(x)];
       if (std::u32string_view(U"|^<\\⏎").find(character) != std::u32string_view::npos) out += U'\\';

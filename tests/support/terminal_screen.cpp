@@ -22,16 +22,12 @@ struct TerminalScreen::Callbacks {
     if (property == VTERM_PROP_ALTSCREEN) screen._alternate = value->boolean != 0;
     return 1;
   }
-  static constexpr VTermScreenCallbacks TABLE = {
-      .damage = nullptr,
-      .moverect = nullptr,
-      .movecursor = move_cursor,
-      .settermprop = set_property,
-      .bell = nullptr,
-      .resize = nullptr,
-      .sb_pushline = nullptr,
-      .sb_popline = nullptr,
-  };
+  static const VTermScreenCallbacks& table() {
+    static VTermScreenCallbacks callbacks{};
+    callbacks.movecursor = move_cursor;
+    callbacks.settermprop = set_property;
+    return callbacks;
+  }
 };
 
 void TerminalScreen::FreeTerminal::operator()(VTerm* terminal) const { ::vterm_free(terminal); }
@@ -39,7 +35,7 @@ void TerminalScreen::FreeTerminal::operator()(VTerm* terminal) const { ::vterm_f
 TerminalScreen::TerminalScreen(int rows, int cols) : _terminal(::vterm_new(rows, cols)), _rows(rows), _cols(cols) {
   ::vterm_set_utf8(_terminal.get(), 1);
   _screen = ::vterm_obtain_screen(_terminal.get());
-  ::vterm_screen_set_callbacks(_screen, &Callbacks::TABLE, this);
+  ::vterm_screen_set_callbacks(_screen, &Callbacks::table(), this);
   ::vterm_screen_enable_altscreen(_screen, 1);
   ::vterm_screen_reset(_screen, 1);
 }
@@ -93,7 +89,6 @@ Cell TerminalScreen::cell(int y, int x) const {
   if (cell.text.empty() && found.chars[0] == 0) cell.text = " ";
   cell.bold = found.attrs.bold;
   cell.italic = found.attrs.italic;
-  cell.underline = found.attrs.underline != 0;
   cell.reverse = found.attrs.reverse;
   auto index = [](const VTermColor& colour, bool standard) {
     return standard || !VTERM_COLOR_IS_INDEXED(&colour) ? DEFAULT_COLOUR : int{colour.indexed.idx};

@@ -14,7 +14,7 @@ inline constexpr int DEFAULT_COLOUR = -1;
 
 struct Cell {
   std::string text;  // UTF-8; a blank for an empty cell
-  bool bold = false, italic = false, underline = false, reverse = false;
+  bool bold = false, italic = false, reverse = false;
   int fg = DEFAULT_COLOUR, bg = DEFAULT_COLOUR;  // index in the palette
 
   friend bool operator==(const Cell&, const Cell&) = default;

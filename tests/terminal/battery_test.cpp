@@ -8,52 +8,28 @@
 namespace brenlow {
 namespace {
 
-using test::TemporaryFolder;
-
-void add_battery(const TemporaryFolder& folder, const std::string& name, const std::string& capacity,
-                 const std::string& status) {
-  folder.write(name + "/type", "Battery\n");
-  folder.write(name + "/capacity", capacity + "\n");
-  folder.write(name + "/status", status + "\n");
-}
-
-TEST(Battery, TheFirstSupplyThatHasAnAnswerGivesIt) {
-  const TemporaryFolder folder;
-  EXPECT_EQ(_get_battery_status(folder.path()), "AC");
+TEST(Battery, ThePercentageIsToldOnBatteryAloneAndNothingHoldsTheSessionUp) {
+  const test::TemporaryFolder folder, battery;
+  const auto status = [&] { return _get_battery_status(folder.path()); };
+  EXPECT_EQ(_get_battery_status("/nonexistent") + status(), "ACAC");
   folder.write("A0", "a file, no supply");
-  std::filesystem::create_symlink("nowhere", folder.path() / "A1");
-  folder.write("A2/type", "UPS\n");
-  folder.write("A3/type", "Mains\n");
-  folder.write("A3/online", "0\n");
+  folder.write("A1/type", "UPS\n");
+  folder.write("A2/type", "Mains\n");
+  battery.write("type", "Battery\n");
+  battery.write("capacity", "57\n");
   // The kernel's entries are links to folders elsewhere.
-  const TemporaryFolder devices;
-  add_battery(devices, "battery", "57", "Discharging");
-  std::filesystem::create_directory_symlink(devices.file("battery"), folder.file("B0"));
-  add_battery(folder, "B1", "99", "Discharging");
-  EXPECT_EQ(_get_battery_status(folder.path()), "57%");
-  add_battery(devices, "battery", "57", "Not charging");
-  EXPECT_EQ(_get_battery_status(folder.path()), "57%");
-  add_battery(devices, "battery", "57", "Charging");
-  EXPECT_EQ(_get_battery_status(folder.path()), "AC");
-  add_battery(devices, "battery", "100", "Full");
-  EXPECT_EQ(_get_battery_status(folder.path()), "AC");
-  add_battery(devices, "battery", "57", "Discharging");
-  folder.write("A3/online", "1\n");
-  EXPECT_EQ(_get_battery_status(folder.path()), "AC");
-}
-
-TEST(Battery, WhatCannotBeReadCountsAsMainsPowerAndHoldsNobodyUp) {
-  EXPECT_EQ(_get_battery_status("/nonexistent"), "AC");
-  const TemporaryFolder folder;
-  add_battery(folder, "B1", "40", "Discharging");
-  EXPECT_EQ(_get_battery_status(folder.path()), "40%");
-  std::filesystem::create_directory(folder.file("B0"));
-  EXPECT_EQ(_get_battery_status(folder.path()), "AC") << "a supply without a type ends the search";
-  ASSERT_EQ(::mkfifo(folder.file("B0/type").c_str(), 0600), 0);
-  EXPECT_EQ(_get_battery_status(folder.path()), "AC");
-  std::filesystem::remove(folder.file("B0/type"));
-  std::filesystem::create_symlink("/dev/zero", folder.file("B0/type"));
-  EXPECT_EQ(_get_battery_status(folder.path()), "AC");
+  std::filesystem::create_directory_symlink(battery.path(), folder.file("B0"));
+  for (const auto& [online, state, told] :
+       {std::tuple("0", "Charging", "AC"), std::tuple("0", "Full", "AC"), std::tuple("0", "Not charging", "57%"),
+        std::tuple("1", "Discharging", "AC"), std::tuple("0", "Discharging", "57%")}) {
+    folder.write("A2/online", online + std::string("\n"));
+    battery.write("status", state + std::string("\n"));
+    EXPECT_EQ(status(), told) << online << state;
+  }
+  std::filesystem::create_directory(folder.file("A3"));
+  EXPECT_EQ(status(), "AC") << "a supply without a type ends the search";
+  ASSERT_EQ(::mkfifo(folder.file("A3/type").c_str(), 0600), 0);
+  EXPECT_EQ(status(), "AC");
 }
 
 }  // namespace

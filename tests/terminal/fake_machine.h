@@ -23,10 +23,7 @@ class FakeEnvironment {
           "FOOT_VERSION", "KITTY_PID", "KITTY_WINDOW_ID", "TERM", "TERM_PROGRAM", "TMUX", "VTE_VERSION",
           "WAYLAND_DISPLAY", "WEZTERM_UNIX_SOCKET", "WEZTERM_PANE"}) {
       const char* value = std::getenv(name);
-      if (value)
-        _before[name] = value;
-      else
-        _before[name] = std::nullopt;
+      _before[name] = value ? std::optional<std::string>(value) : std::nullopt;
       ::unsetenv(name);
     }
     for (const auto& [name, value] : variables) ::setenv(name.c_str(), value.c_str(), 1);
@@ -34,12 +31,8 @@ class FakeEnvironment {
   FakeEnvironment(const FakeEnvironment&) = delete;
   FakeEnvironment& operator=(const FakeEnvironment&) = delete;
   ~FakeEnvironment() {
-    for (const auto& [name, value] : _before) {
-      if (value)
-        ::setenv(name.c_str(), value->c_str(), 1);
-      else
-        ::unsetenv(name.c_str());
-    }
+    for (const auto& [name, value] : _before)
+      value ? ::setenv(name.c_str(), value->c_str(), 1) : ::unsetenv(name.c_str());
   }
 
  private:
