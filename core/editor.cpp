@@ -17,6 +17,7 @@ Editor::Editor(_win_st* screen, std::optional<std::string> path, Machine machine
   _start_fonts();
   _load_first_document();
   screen::start_colours();
+  _canvas.reset(rows(), cols());
   _load_syntax(filepath ? path_extension(*filepath) : std::string());
   _read_settings();
   screen::show_cursor(true);

@@ -25,6 +25,7 @@
 #include "customise/key_map.h"
 #include "customise/settings.h"
 #include "customise/syntax_rules.h"
+#include "screen/canvas.h"
 #include "screen/screen_rows.h"
 #include "terminal/console_font.h"
 #include "terminal/font_control.h"
@@ -327,13 +328,14 @@ class Editor {
   bool _is_list_continuation(const MapEntry& entry) const;
 
   // ---- drawing ------------------------------------------------------------ screen/drawing.cpp
+  screen::Canvas _canvas;  // everything that is drawn; as large as the screen
   void draw();
   void _draw_titlebar();
   void _draw_text();
   void _draw_rule_row(int row, std::u32string_view label);
   void _draw_text_row(int row, const MapEntry& entry, RowLayers& layers);
   void _collect_line_layers(int ly, RowLayers& layers);
-  std::pair<int, int> _cell_attributes(const RowLayers& layers, int position, int& run_end);
+  screen::Style _cell_style(const RowLayers& layers, int position, int& run_end);
 
   // ---- status bar and scrolling ---------------------------------------- screen/status_bar.cpp
   std::string _battery_text;

@@ -36,11 +36,12 @@ void run_key_debug(_win_st* screen) {
   ::start_color();
   ::keypad(screen, false);
   ::raw();
-  ::werase(screen);
-  screen::put(screen, 0, 0, U"Key debug mode — press keys to see their byte sequences.");
-  screen::put(screen, 1, 0, U"Press Ctrl+C or Ctrl+D to quit.");
-  screen::put(screen, 2, 0, std::u32string(60, U'-'));
-  ::wrefresh(screen);
+  screen::Canvas canvas;
+  canvas.reset(::getmaxy(screen), ::getmaxx(screen));
+  canvas.put(0, 0, U"Key debug mode — press keys to see their byte sequences.");
+  canvas.put(1, 0, U"Press Ctrl+C or Ctrl+D to quit.");
+  canvas.put(2, 0, std::u32string(60, U'-'));
+  screen::refresh(screen, canvas);
   for (int row = 3;; ++row) {
     errno = 0;
     int key = ::wgetch(screen);
@@ -58,12 +59,13 @@ void run_key_debug(_win_st* screen) {
     }
     if (row >= ::getmaxy(screen) - 1) {
       ::werase(screen);
-      screen::put(screen, 0, 0, U"Key debug — Ctrl+C/D to quit:");
+      canvas.reset(::getmaxy(screen), ::getmaxx(screen));
+      canvas.put(0, 0, U"Key debug — Ctrl+C/D to quit:");
       row = 1;
     }
     auto width = static_cast<std::size_t>(std::max(::getmaxx(screen) - 1, 0));
-    screen::put(screen, row, 0, std::u32string_view(described(codes)).substr(0, width));
-    ::wrefresh(screen);
+    canvas.put(row, 0, std::u32string_view(described(codes)).substr(0, width));
+    screen::refresh(screen, canvas);
   }
 }
 

@@ -96,7 +96,7 @@ void Editor::_send_cursor_shape() {
 
 void Editor::_serve_resize() {
   _sigwinch_pending = 0;
-  screen::take_terminal_size(_machine.input);
+  screen::take_terminal_size(_machine.input, stdscr, _canvas);
   _invalidate_map();
 }
 

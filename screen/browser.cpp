@@ -99,44 +99,41 @@ std::u32string Browser::footer() const {
 }
 
 void Browser::draw_list() {
-  WINDOW* window = _editor.stdscr;
   int width = _editor.cols();
   auto cut = static_cast<std::size_t>(std::max(width - 1, 0));
   if (_selected < _top) _top = _selected;
   if (_selected >= _top + list_rows()) _top = _selected - list_rows() + 1;
-  if (_entries.empty()) screen::put(window, 5, 6, U"(no .odt/.txt/.md/.fountain files or subdirectories here)");
+  if (_entries.empty()) _editor._canvas.put(5, 6, U"(no .odt/.txt/.md/.fountain files or subdirectories here)");
   for (int row = 0; row < list_rows() && _top + row < static_cast<int>(_entries.size()); ++row) {
     bool selected = _top + row == _selected;
     std::u32string text = (selected ? U">" : U" ") + browser_row(_entries[static_cast<std::size_t>(_top + row)], width);
-    screen::put(window, row + 1, 0, std::u32string_view(text).substr(0, cut), A_NORMAL,
-                selected ? screen::PAIR_SELECTED : 0);
+    _editor._canvas.put(row + 1, 0, std::u32string_view(text).substr(0, cut),
+                        {A_NORMAL, selected ? screen::PAIR_SELECTED : 0});
   }
 }
 
 void Browser::draw_filename() {
-  WINDOW* window = _editor.stdscr;
   int row = _editor.rows() - 2;
   std::u32string text(FILENAME_LABEL);
   text += _filename.text();
   text = screen::padded(text, _editor.cols());
-  screen::put(window, row, 0, text, A_NORMAL, _filename_focus ? screen::PAIR_SELECTED : screen::PAIR_PROMPT);
+  _editor._canvas.put(row, 0, text, {A_NORMAL, _filename_focus ? screen::PAIR_SELECTED : screen::PAIR_PROMPT});
   int column = static_cast<int>(FILENAME_LABEL.size()) + _filename.position();
   if (!_filename_focus || column >= _editor.cols() - 1) return;
   char32_t under = text[static_cast<std::size_t>(column)];
-  screen::put(window, row, column, {&under, 1}, A_REVERSE, screen::PAIR_SELECTED);
-  screen::place_cursor(window, row, column);
+  _editor._canvas.put(row, column, {&under, 1}, {A_REVERSE, screen::PAIR_SELECTED});
+  _editor._canvas.place_cursor(row, column);
 }
 
 void Browser::draw() {
-  WINDOW* window = _editor.stdscr;
   int width = _editor.cols();
-  ::werase(window);
-  screen::put_row(window, 0, decode_utf8(" " + _title + ": " + _directory), width, screen::PAIR_BAR);
+  _editor._canvas.erase();
+  _editor._canvas.put_row(0, decode_utf8(" " + _title + ": " + _directory), width, {0, screen::PAIR_BAR});
   draw_list();
-  screen::put_row(window, _editor.rows() - 1, footer(), width, screen::PAIR_PROMPT);
+  _editor._canvas.put_row(_editor.rows() - 1, footer(), width, {0, screen::PAIR_PROMPT});
   if (_allow_new_name) draw_filename();
   screen::show_cursor(_filename_focus);
-  ::wrefresh(window);
+  screen::refresh(_editor.stdscr, _editor._canvas);
 }
 
 std::optional<std::string> Browser::run() {

@@ -35,21 +35,21 @@ void Editor::do_unicode_picker() {
     int last_top = std::max(count - list_rows, 0);
     top = std::clamp(top, 0, last_top);
 
-    ::werase(stdscr);
-    screen::put_row(stdscr, 0, header, cols(), screen::PAIR_BAR);
+    _canvas.erase();
+    _canvas.put_row(0, header, cols(), {0, screen::PAIR_BAR});
     std::u32string filter_row = U" Filter: " + filter + U"_";
-    screen::put_row(stdscr, 1, filter_row, cols(), screen::PAIR_PROMPT);
+    _canvas.put_row(1, filter_row, cols(), {0, screen::PAIR_PROMPT});
     auto width = static_cast<std::size_t>(std::max(cols() - 1, 0));
     for (int row = 0; row < list_rows && top + row < count; ++row)
-      screen::put(stdscr, row + 2, 0,
+      _canvas.put(row + 2, 0,
                   std::u32string_view(row_text(*matches[static_cast<std::size_t>(top + row)])).substr(0, width));
-    if (matches.empty()) screen::put(stdscr, 2, 2, U"(no matches)");
+    if (matches.empty()) _canvas.put(2, 2, U"(no matches)");
     std::string footer = " Type to filter  ESC/Enter close   " +
                          unicode_count_text(matches.size(), !trimmed(std::u32string_view(filter)).empty()) +
                          scroll_hint(top, last_top);
-    screen::put_row(stdscr, rows() - 1, decode_utf8(footer), cols(), screen::PAIR_PROMPT);
-    screen::place_cursor(stdscr, 1, std::min(static_cast<int>(filter_row.size()) - 1, cols() - 1));
-    ::wrefresh(stdscr);
+    _canvas.put_row(rows() - 1, decode_utf8(footer), cols(), {0, screen::PAIR_PROMPT});
+    _canvas.place_cursor(1, std::min(static_cast<int>(filter_row.size()) - 1, cols() - 1));
+    screen::refresh(stdscr, _canvas);
 
     int key = _getch_key();
     if (key == KEY_ESC || key == 10 || key == 13) return;

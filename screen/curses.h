@@ -29,8 +29,7 @@
 #undef COLOR_CYAN
 #undef COLOR_WHITE
 
-#include <string>
-#include <string_view>
+#include "screen/canvas.h"
 
 namespace brenlow::screen {
 
@@ -41,23 +40,14 @@ inline constexpr int PAIR_SELECTED = 3;   // selected row of the file browser
 inline constexpr int PAIR_RULE = 4;       // page-break and end rows
 inline constexpr int PAIR_HIGHLIGHT = 5;  // search matches
 
-// Writes text from a cell on. Every character takes the cells of plain print: controls and characters
-// that cannot be shown become one visible cell, a combining mark stands alone. What falls off the screen is
-// dropped; nothing wraps, scrolls or fails.
-void put(WINDOW* window, int row, int column, std::u32string_view text, attr_t attributes = A_NORMAL, int pair = 0);
-
-// A whole row of `width` cells: the text cut or padded with blanks.
-void put_row(WINDOW* window, int row, std::u32string_view text, int width, int pair, attr_t attributes = A_NORMAL);
-
-std::u32string padded(std::u32string_view text, int width);  // cut or padded to exactly `width` (0 if negative)
-
-void place_cursor(WINDOW* window, int row, int column);
+// Brings what the canvas holds on to the screen. Nothing else writes to the window.
+void refresh(WINDOW* window, Canvas& canvas);
 void show_cursor(bool visible);
 
 // Keypad translation off, raw mode on, line-ending translation off.
 void prepare_keyboard(WINDOW* window);
-// Tells the library the size that the terminal behind `descriptor` has now.
-void take_terminal_size(int descriptor);
+// Tells the library the size that the terminal behind `descriptor` has now; the canvas takes it, blank.
+void take_terminal_size(int descriptor, WINDOW* window, Canvas& canvas);
 // Starts colours and defines the fixed pairs.
 void start_colours();
 

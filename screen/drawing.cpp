@@ -72,14 +72,14 @@ int next_boundary(const RowLayers& layers, int position, int end) {
 }  // namespace
 
 void Editor::draw() {
-  ::werase(stdscr);
+  _canvas.erase();
   _build_screen_map();
   if (_syn_dirty && !_syn_rules.empty()) _compute_syn_lines();
   if (_title_bar_shown()) _draw_titlebar();
   _draw_text();
   if (_status_bar_shown()) _draw_statusbar();
   _place_cursor();
-  ::wrefresh(stdscr);
+  screen::refresh(stdscr, _canvas);
 }
 
 void Editor::_draw_titlebar() {
@@ -92,7 +92,7 @@ void Editor::_draw_titlebar() {
   if (_typewriter) flags += " │ TW";
   std::string text = " Brenlow " + std::string(VERSION) + " │ " + (filepath ? path_base_name(*filepath) : "[No Name]") +
                      (modified ? " *" : "  ") + "│ " + size + flags + " │";
-  screen::put_row(stdscr, 0, decode_utf8(text), cols(), screen::PAIR_BAR);
+  _canvas.put_row(0, decode_utf8(text), cols(), {0, screen::PAIR_BAR});
 }
 
 void Editor::_draw_text() {
@@ -132,7 +132,7 @@ void Editor::_draw_rule_row(int row, std::u32string_view label) {
   text += U' ';
   text += label;
   text.resize(std::min(text.size(), static_cast<std::size_t>(std::max(width, 0))));
-  screen::put(stdscr, row + _text_top(), _lmargin(), text, A_DIM, screen::PAIR_RULE);
+  _canvas.put(row + _text_top(), _lmargin(), text, {A_DIM, screen::PAIR_RULE});
 }
 
 // What the searches mark in the whole line; kept while rows of the same line follow.
@@ -147,32 +147,31 @@ void Editor::_collect_line_layers(int ly, RowLayers& layers) {
     layers.line_find = occurrences(_line(ly), search_term, _find_case_insensitive);
 }
 
-// The attributes and colour pair of the run that begins at `position`; `run_end` is shortened to its end.
-std::pair<int, int> Editor::_cell_attributes(const RowLayers& layers, int position, int& run_end) {
+// The look of the run that begins at `position`; `run_end` is shortened to its end.
+screen::Style Editor::_cell_style(const RowLayers& layers, int position, int& run_end) {
   run_end = next_boundary(layers, position, run_end);
   const Span* format = covering_span(layers.format, position);
   int mask = format ? format->bits : 0;
-  attr_t attributes = A_NORMAL;
-  if (mask & FMT_BOLD) attributes |= A_BOLD;
-  if (mask & FMT_ITALIC) attributes |= A_ITALIC;
-  int pair = 0;
+  screen::Style style;
+  if (mask & FMT_BOLD) style.attributes |= A_BOLD;
+  if (mask & FMT_ITALIC) style.attributes |= A_ITALIC;
   auto mark = [&](bool inverse) {
-    attributes |= inverse ? A_REVERSE : A_BOLD;
-    if (!inverse) pair = screen::PAIR_HIGHLIGHT;
+    style.attributes |= inverse ? A_REVERSE : A_BOLD;
+    if (!inverse) style.pair = screen::PAIR_HIGHLIGHT;
   };
   if (layers.selection.first <= position && position < layers.selection.second) {
-    attributes |= A_REVERSE;
+    style.attributes |= A_REVERSE;
   } else if (covering(layers.kgrep, position)) {
     mark(_kgrep_highlight_inverse);
   } else if (covering(layers.find, position)) {
     mark(_find_highlight_inverse);
   } else if (const SyntaxSpan* syntax = covering_span(layers.syntax, position)) {
     if (syntax->style.kind == StyleSpec::Kind::inverse)
-      attributes |= A_REVERSE;
+      style.attributes |= A_REVERSE;
     else
-      pair = _syn_pair_for(syntax->style);
+      style.pair = _syn_pair_for(syntax->style);
   }
-  return {static_cast<int>(attributes), pair};
+  return style;
 }
 
 void Editor::_draw_text_row(int row, const MapEntry& entry, RowLayers& layers) {
@@ -199,17 +198,16 @@ void Editor::_draw_text_row(int row, const MapEntry& entry, RowLayers& layers) {
   int edge = cols() - _rmargin();
   int screen_row = row + _text_top();
   if (_is_list_continuation(entry)) {
-    screen::put(stdscr, screen_row, column, U"  ");
+    _canvas.put(screen_row, column, U"  ");
     column += 2;
   }
   int size = static_cast<int>(text.size());
   for (int position = 0; position < size && column < edge;) {
     int run_end = size;
-    auto [attributes, pair] = _cell_attributes(layers, position, run_end);
+    screen::Style style = _cell_style(layers, position, run_end);
     int length = std::min(run_end - position, edge - column);
-    screen::put(stdscr, screen_row, column,
-                text.substr(static_cast<std::size_t>(position), static_cast<std::size_t>(length)),
-                static_cast<attr_t>(attributes), pair);
+    _canvas.put(screen_row, column, text.substr(static_cast<std::size_t>(position), static_cast<std::size_t>(length)),
+                style);
     column += length;
     position = run_end;
   }

@@ -40,14 +40,14 @@ int Editor::_overlay_scroll(const std::string& title, const std::vector<std::str
     int last_top = std::max(static_cast<int>(display.size()) - text_rows, 0);
     _overlay_top = std::clamp(_overlay_top, 0, last_top);
 
-    ::werase(stdscr);
-    screen::put_row(stdscr, 0, decode_utf8(" " + title), cols(), screen::PAIR_BAR);
+    _canvas.erase();
+    _canvas.put_row(0, decode_utf8(" " + title), cols(), {0, screen::PAIR_BAR});
     for (int row = 0; row < text_rows && _overlay_top + row < static_cast<int>(display.size()); ++row) {
       std::u32string_view text = display[static_cast<std::size_t>(_overlay_top + row)];
-      screen::put(stdscr, row + 1, 1, text.substr(0, static_cast<std::size_t>(width)));
+      _canvas.put(row + 1, 1, text.substr(0, static_cast<std::size_t>(width)));
     }
-    screen::put_row(stdscr, rows() - 1, decode_utf8(footer(_overlay_top, last_top)), cols(), screen::PAIR_PROMPT);
-    ::wrefresh(stdscr);
+    _canvas.put_row(rows() - 1, decode_utf8(footer(_overlay_top, last_top)), cols(), {0, screen::PAIR_PROMPT});
+    screen::refresh(stdscr, _canvas);
 
     int key = _getch_key();
     switch (key) {

@@ -10,11 +10,11 @@ namespace brenlow {
 namespace {
 
 // The reversed cell that is the visible cursor of a prompt; the terminal's cursor goes there too.
-void draw_prompt_cursor(WINDOW* window, int row, int column, std::u32string_view row_text, int offset) {
+void draw_prompt_cursor(screen::Canvas& canvas, int row, int column, std::u32string_view row_text, int offset) {
   auto at = static_cast<std::size_t>(std::max(offset, 0));
   char32_t under = at < row_text.size() ? row_text[at] : U' ';
-  screen::put(window, row, column, {&under, 1}, A_REVERSE, screen::PAIR_PROMPT);
-  screen::place_cursor(window, row, column);
+  canvas.put(row, column, {&under, 1}, {A_REVERSE, screen::PAIR_PROMPT});
+  canvas.place_cursor(row, column);
 }
 
 int centred(int whole, int part) { return std::max((whole - part) / 2, 0); }
@@ -33,10 +33,10 @@ void Editor::_draw_prompt_bar(std::u32string_view prompt, std::u32string_view bu
   text += prompt;
   text += buf;
   text = screen::padded(text, cols());
-  screen::put(stdscr, rows() - 1, 0, text, A_NORMAL, screen::PAIR_PROMPT);
+  _canvas.put(rows() - 1, 0, text, {A_NORMAL, screen::PAIR_PROMPT});
   int column = std::min(cols() - 1, static_cast<int>(prompt.size()) + 1 + pos);
-  draw_prompt_cursor(stdscr, rows() - 1, column, text, column);
-  ::wrefresh(stdscr);
+  draw_prompt_cursor(_canvas, rows() - 1, column, text, column);
+  screen::refresh(stdscr, _canvas);
 }
 
 std::optional<std::u32string> Editor::_prompt(const std::string& prompt, std::u32string_view prefill,
@@ -85,10 +85,10 @@ void Editor::_draw_mid_box(int y, int x, int width, std::u32string_view prompt, 
   std::u32string border(static_cast<std::size_t>(std::max(width, 0)), U'─');
   std::u32string middle = U" " + screen::padded(content, inner) + U" ";
   for (int row = 0; row < 3; ++row)
-    screen::put(stdscr, y + row, x, row == 1 ? middle : border, A_NORMAL, screen::PAIR_PROMPT);
+    _canvas.put(y + row, x, row == 1 ? middle : border, {A_NORMAL, screen::PAIR_PROMPT});
   int column = std::min(cols() - 1, x + 1 + label + pos);
-  draw_prompt_cursor(stdscr, y + 1, column, middle, column - x);
-  ::wrefresh(stdscr);
+  draw_prompt_cursor(_canvas, y + 1, column, middle, column - x);
+  screen::refresh(stdscr, _canvas);
 }
 
 std::optional<std::u32string> Editor::_mid_prompt(const std::string& prompt, std::optional<std::size_t> max_chars,
@@ -132,10 +132,10 @@ void Editor::_mid_notice(const std::string& text) {
     int y = centred(rows(), 3);
     int x = centred(cols(), width);
     std::u32string border(static_cast<std::size_t>(std::max(width, 0)), U'─');
-    screen::put(stdscr, y, x, border, A_NORMAL, screen::PAIR_PROMPT);
-    screen::put(stdscr, y + 1, x, U" " + screen::padded(content, width - 2) + U" ", A_NORMAL, screen::PAIR_PROMPT);
-    screen::put(stdscr, y + 2, x, border, A_NORMAL, screen::PAIR_PROMPT);
-    ::wrefresh(stdscr);
+    _canvas.put(y, x, border, {A_NORMAL, screen::PAIR_PROMPT});
+    _canvas.put(y + 1, x, U" " + screen::padded(content, width - 2) + U" ", {A_NORMAL, screen::PAIR_PROMPT});
+    _canvas.put(y + 2, x, border, {A_NORMAL, screen::PAIR_PROMPT});
+    screen::refresh(stdscr, _canvas);
     key = _getch_key();
   } while (key == KEY_RESIZE);
 }

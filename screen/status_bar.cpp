@@ -61,7 +61,7 @@ void Editor::_draw_statusbar() {
   std::u32string row = screen::padded(decode_utf8(_status_text()), cols());
   std::u32string battery = decode_utf8(" " + _battery_widget() + " ");
   if (battery.size() < row.size()) row.replace(row.size() - battery.size(), battery.size(), battery);
-  screen::put(stdscr, rows() - 1, 0, row, A_NORMAL, screen::PAIR_BAR);
+  _canvas.put(rows() - 1, 0, row, {A_NORMAL, screen::PAIR_BAR});
 }
 
 void Editor::_place_cursor() {
@@ -73,7 +73,7 @@ void Editor::_place_cursor() {
   int column = cx - (in_map ? map[static_cast<std::size_t>(row)].start : 0) + _lmargin();
   if (in_map && _is_list_continuation({cy, map[static_cast<std::size_t>(row)].start, 0})) column += 2;
   int limit = _status_bar_shown() ? rows() - 1 : rows();
-  if (screen_row < limit) screen::place_cursor(stdscr, screen_row, column);
+  if (screen_row < limit) _canvas.place_cursor(screen_row, column);
 }
 
 // The smallest map index whose visual row, page-break rows counted, is at least `target`.

@@ -12,9 +12,9 @@ using test::EditorSession;
 
 // The cells of a row after `text` was written to its start, one behind the other.
 std::vector<std::string> cells_of(EditorSession& session, std::u32string_view text) {
-  ::werase(session->stdscr);
-  screen::put(session->stdscr, 0, 0, text);
-  ::wrefresh(session->stdscr);
+  session->_canvas.erase();
+  session->_canvas.put(0, 0, text);
+  screen::refresh(session->stdscr, session->_canvas);
   const test::TerminalScreen& shown = session.screen();
   std::vector<std::string> cells;
   for (int x = 0; x < static_cast<int>(text.size()); ++x) cells.push_back(shown.cell(0, x).text);
@@ -39,9 +39,9 @@ TEST(Curses, NoCharacterSpillsIntoTheCellsAroundIt) {
     // Terminals differ on the newer combining marks and double-width characters.
     int width = ::wcwidth(static_cast<wchar_t>(c));
     if ((c >= 0xD800 && c < 0xE000) || width == 0 || width == 2) continue;
-    ::werase(session->stdscr);
-    screen::put(session->stdscr, 1, 0, std::u32string(U"[") + c + U"]");
-    ::wrefresh(session->stdscr);
+    session->_canvas.erase();
+    session->_canvas.put(1, 0, std::u32string(U"[") + c + U"]");
+    screen::refresh(session->stdscr, session->_canvas);
     const test::TerminalScreen& shown = session.screen();
     std::u32string row = decode_utf8(shown.row(1));
     ASSERT_TRUE(row.size() == 3 && row[0] == U'[' && row[2] == U']') << std::hex << +c << " " << shown.row(1);
@@ -51,24 +51,24 @@ TEST(Curses, NoCharacterSpillsIntoTheCellsAroundIt) {
 
 TEST(Curses, WhatFallsOffTheScreenIsDropped) {
   EditorSession session({.rows = 3, .cols = 6});
-  WINDOW* window = session->stdscr;
-  ::werase(window);
-  screen::put(window, 1, 4, U"abc");
-  screen::put(window, 2, 0, U"corner");  // to the very last cell
-  screen::put(window, 0, 5, U"日本");    // half of it would stand outside
+  screen::Canvas& canvas = session->_canvas;
+  canvas.erase();
+  canvas.put(1, 4, U"abc");
+  canvas.put(2, 0, U"corner");  // to the very last cell
+  canvas.put(0, 5, U"日本");    // half of it would stand outside
   for (auto [row, column] : {std::pair(-1, 0), std::pair(3, 0), std::pair(0, -1), std::pair(0, 6)})
-    screen::put(window, row, column, U"never");
-  screen::place_cursor(window, 1, 2);
+    canvas.put(row, column, U"never");
+  canvas.place_cursor(1, 2);
   for (auto [row, column] : {std::pair(-1, 0), std::pair(3, 0), std::pair(0, -1), std::pair(0, 6)})
-    screen::place_cursor(window, row, column);
-  ::wrefresh(window);
+    canvas.place_cursor(row, column);
+  screen::refresh(session->stdscr, canvas);
   EXPECT_EQ(session.screen().all_rows(), (std::vector<std::string>{"", "    ab", "corner"}));
   EXPECT_EQ(session.screen().cursor_row(), 1);
   EXPECT_EQ(session.screen().cursor_col(), 2);
-  screen::put_row(window, 0, U"longer than the row", 6, screen::PAIR_BAR, A_BOLD);
-  screen::put_row(window, 1, U"a", 3, screen::PAIR_PROMPT);
-  screen::put_row(window, 2, U"x", -1, 0);
-  ::wrefresh(window);
+  canvas.put_row(0, U"longer than the row", 6, {A_BOLD, screen::PAIR_BAR});
+  canvas.put_row(1, U"a", 3, {A_NORMAL, screen::PAIR_PROMPT});
+  canvas.put_row(2, U"x", -1, {});
+  screen::refresh(session->stdscr, canvas);
   EXPECT_EQ(session.screen().all_rows(), (std::vector<std::string>{"longer", "a   ab", "corner"}));
   EXPECT_EQ(session.screen().attributes(0), "bbbbbb");
   EXPECT_EQ(session.screen().cell(0, 5).bg, 7);

@@ -1,0 +1,106 @@
+#include "screen/canvas.h"
+
+#include <algorithm>
+#include <cstring>
+#include <cwchar>
+#include <string>
+
+namespace brenlow::screen {
+
+namespace {
+
+constexpr char32_t TAB_SIGN = U'→';
+constexpr char32_t FORMAT_SIGN = U'·';
+constexpr char32_t UNPRINTABLE_SIGN = U'\uFFFD';
+
+// Characters without a sign of their own: zero-width blanks and joiners, direction and annotation signs.
+bool is_format_character(char32_t c) {
+  return c == 0x061C || c == 0x180E || (c >= 0x200B && c <= 0x200F) || (c >= 0x2028 && c <= 0x202E) ||
+         (c >= 0x2060 && c <= 0x206F) || c == 0xFEFF || (c >= 0xFFF9 && c <= 0xFFFB) || (c >= 0xE0000 && c <= 0xE007F);
+}
+
+// What stands for `character` in its cell.
+std::uint64_t shown_as(char32_t character) {
+  if (character >= 0x20 && character < 0x7F) return character;
+  if (character == U'\t') return TAB_SIGN;
+  if (is_format_character(character)) return FORMAT_SIGN;
+  if (character == U'─') return character;
+  int width = ::wcwidth(static_cast<wchar_t>(character));
+  if (character < 0xA0 || width < 0) return UNPRINTABLE_SIGN;
+  return character | (width == 0 ? Cell::COMBINING : width > 1 ? Cell::WIDE : std::uint64_t{0});
+}
+
+}  // namespace
+
+void Canvas::reset(int rows, int cols) {
+  _rows = std::max(rows, 0);
+  _cols = std::max(cols, 0);
+  _drawn.assign(static_cast<std::size_t>(_rows) * static_cast<std::size_t>(_cols), Cell{});
+  _shown = _drawn;
+  _cursor = {0, 0};
+  _written_end = {-1, -1};
+}
+
+void Canvas::erase() {
+  std::fill(_drawn.begin(), _drawn.end(), Cell{});
+  _written_end = {-1, -1};
+}
+
+void Canvas::put(int row, int column, std::u32string_view text, Style style) {
+  if (text.empty() || row < 0 || column < 0 || row >= _rows || column >= _cols) return;
+  text = text.substr(0, static_cast<std::size_t>(_cols - column));
+  Cell* cell =
+      &_drawn[static_cast<std::size_t>(row) * static_cast<std::size_t>(_cols) + static_cast<std::size_t>(column)];
+  std::uint64_t look = Cell::look(style);
+  // Plain text, which is most of it, in loops that the compiler can run on several cells at once.
+  bool plain = true;
+  for (char32_t character : text) plain &= character - 0x20 < 0x5F;
+  if (plain)
+    for (std::size_t i = 0; i < text.size(); ++i) cell[i].bits = look | text[i];
+  else
+    for (std::size_t i = 0; i < text.size(); ++i) cell[i].bits = look | shown_as(text[i]);
+  if (_written_end != std::pair(row, column)) cell->bits |= Cell::ANCHOR;
+  _written_end = {row, column + static_cast<int>(text.size())};
+}
+
+void Canvas::put_row(int row, std::u32string_view text, int width, Style style) {
+  put(row, 0, padded(text, width), style);
+}
+
+void Canvas::place_cursor(int row, int column) {
+  if (row >= 0 && column >= 0 && row < _rows && column < _cols) _cursor = {row, column};
+}
+
+void Canvas::show(const std::function<void(int, int, std::span<const Cell>)>& emit) {
+  for (int row = 0; row < _rows; ++row) _show_row(row, emit);
+}
+
+void Canvas::_show_row(int row, const std::function<void(int, int, std::span<const Cell>)>& emit) {
+  auto begin = static_cast<std::size_t>(row) * static_cast<std::size_t>(_cols);
+  std::span<const Cell> drawn(&_drawn[begin], static_cast<std::size_t>(_cols));
+  std::span<Cell> shown(&_shown[begin], static_cast<std::size_t>(_cols));
+  if (std::memcmp(drawn.data(), shown.data(), drawn.size_bytes()) == 0) return;
+  auto first = std::mismatch(drawn.begin(), drawn.end(), shown.begin()).first;
+  auto wide = [](const Cell& cell) { return cell.is(Cell::WIDE); };
+  if (std::none_of(drawn.begin(), drawn.end(), wide) && std::none_of(shown.begin(), shown.end(), wide)) {
+    auto last = std::mismatch(drawn.rbegin(), drawn.rend(), shown.rbegin()).first.base();
+    emit(row, static_cast<int>(first - drawn.begin()), {first, last});
+  } else {
+    // A wide character pushes what follows it to the right, as far as the next anchor: from the first column
+    // on, so that a stretch covers what was pushed over it before.
+    for (auto at = drawn.begin(); at != drawn.end();) {
+      auto next = std::find_if(at + 1, drawn.end(), [](const Cell& cell) { return cell.is(Cell::ANCHOR); });
+      emit(row, static_cast<int>(at - drawn.begin()), {at, next});
+      at = next;
+    }
+  }
+  std::copy(drawn.begin(), drawn.end(), shown.begin());
+}
+
+std::u32string padded(std::u32string_view text, int width) {
+  std::u32string row(text);
+  row.resize(width > 0 ? static_cast<std::size_t>(width) : 0, U' ');
+  return row;
+}
+
+}  // namespace brenlow::screen

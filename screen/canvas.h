@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace brenlow::screen {
+
+// How a cell looks: the attribute bits of the screen library and the number of a colour pair.
+struct Style {
+  std::uint32_t attributes = 0;
+  int pair = 0;
+};
+
+// One cell of the screen as one number, so that rows are filled and compared at memory speed.
+struct Cell {
+  static constexpr std::uint64_t COMBINING = 1U << 24;  // a combining mark, shown on a blank of its own
+  static constexpr std::uint64_t WIDE = 1U << 25;       // takes two columns of the terminal
+  static constexpr std::uint64_t ANCHOR = 1U << 26;     // stands at its own column, whatever is before it
+
+  // From the low end: 21 bits of the character shown, the flags above, at bit 32 the attributes (they use
+  // none of their own low 16 bits), at bit 48 the colour pair.
+  std::uint64_t bits = U' ';
+
+  static std::uint64_t look(Style style) {
+    return static_cast<std::uint64_t>(style.attributes >> 16) << 32 | static_cast<std::uint64_t>(style.pair) << 48;
+  }
+  char32_t character() const { return static_cast<char32_t>(bits & 0x1FFFFF); }
+  bool is(std::uint64_t flag) const { return (bits & flag) != 0; }
+  bool looks_like(const Cell& other) const { return bits >> 32 == other.bits >> 32; }
+  Style style() const { return {static_cast<std::uint32_t>(bits >> 32 & 0xFFFF) << 16, static_cast<int>(bits >> 48)}; }
+  friend bool operator==(const Cell&, const Cell&) = default;
+};
+
+// The picture that is being drawn and the one that was shown last. Everything that is drawn is drawn into
+// here; only what differs goes on to the screen library, so a frame costs its cells once, in this array.
+class Canvas {
+ public:
+  int rows() const { return _rows; }
+  int cols() const { return _cols; }
+  // Makes both pictures blank; the screen has to be blank then, too.
+  void reset(int rows, int cols);
+  void erase();
+  // Writes text from a cell on. Every character takes the cells of plain print: controls and characters
+  // that cannot be shown become one visible cell, a combining mark stands alone. What falls off the screen is
+  // dropped; nothing wraps, scrolls or fails.
+  void put(int row, int column, std::u32string_view text, Style style = {});
+  // A whole row of `width` cells: the text cut or padded with blanks.
+  void put_row(int row, std::u32string_view text, int width, Style style);
+  // Where the terminal's cursor goes; a place off the screen is ignored.
+  void place_cursor(int row, int column);
+  std::pair<int, int> cursor() const { return _cursor; }
+
+  // Hands every stretch of cells that differs from what was shown to `emit(row, column, cells)`, and takes it
+  // as shown.
+  void show(const std::function<void(int, int, std::span<const Cell>)>& emit);
+
+ private:
+  void _show_row(int row, const std::function<void(int, int, std::span<const Cell>)>& emit);
+
+  int _rows = 0, _cols = 0;
+  std::vector<Cell> _drawn, _shown;
+  std::pair<int, int> _cursor{0, 0};
+  std::pair<int, int> _written_end{-1, -1};  // the cell behind the last one that put wrote
+};
+
+std::u32string padded(std::u32string_view text, int width);  // cut or padded to exactly `width` (0 if negative)
+
+}  // namespace brenlow::screen
