@@ -10,7 +10,8 @@ packages_for() {
     program) echo build-essential cmake ninja-build pkg-config libncurses-dev libzip-dev libxml2-dev libpcre2-dev \
       zlib1g-dev nlohmann-json3-dev ncurses-bin ;;
     tests) echo clang libclang-rt-dev llvm libgtest-dev libgmock-dev libvterm-dev util-linux ;;
-    checks) echo clang-format clang-tidy shellcheck ;;
+    packages) echo dpkg-dev file ;;
+    checks) echo clang-format clang-tidy cppcheck shellcheck mandoc desktop-file-utils appstream libxml2-utils ;;
   esac
 }
 
