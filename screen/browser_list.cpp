@@ -151,7 +151,7 @@ std::string joined_path(const std::string& directory, const std::string& name) {
 std::u32string browser_row(const BrowserEntry& entry, int width) {
   auto column = static_cast<std::size_t>(std::max(width - SIZE_COLUMN - DATE_COLUMN - 7, 10));
   std::u32string row = decode_utf8(entry.name) + (entry.is_directory ? U"/" : U"");
-  if (row.size() > column) row = row.substr(0, column - 1) + U"…";
+  if (row.size() > column) row.replace(column - 1, std::u32string::npos, U"…");
   row.resize(column, U' ');
   return row + U"  " + right_aligned(entry.size, SIZE_COLUMN) + U"  " + decode_utf8(entry.detail);
 }

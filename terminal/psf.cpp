@@ -87,7 +87,7 @@ std::optional<std::string> _read_font_bytes(const std::string& path) {
 
 std::optional<PsfInfo> psf_info_of(std::string_view bytes) {
   if (bytes.starts_with(PSF1_MAGIC) && bytes.size() >= PSF1_HEADER) {
-    const std::uint32_t count = byte_at(bytes, 2) & PSF1_MODE_512 ? 512 : 256;
+    const std::uint32_t count = (byte_at(bytes, 2) & PSF1_MODE_512) != 0 ? 512 : 256;
     const std::uint32_t height = byte_at(bytes, 3);
     return checked(bytes, 8, height, count, height, PSF1_HEADER);
   }

@@ -63,8 +63,8 @@ inline std::vector<Member> list_package(const std::string& path) {
 }
 
 inline Member member_of(const std::string& path, std::string_view name) {
-  for (Member& member : list_package(path))
-    if (member.name == name) return std::move(member);
+  for (const Member& member : list_package(path))
+    if (member.name == name) return member;
   throw std::runtime_error("no member " + std::string(name));
 }
 
