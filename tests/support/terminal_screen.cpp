@@ -3,10 +3,25 @@
 #include <vterm.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
 
 #include "core/unicode.h"
 
 namespace brenlow::test {
+
+namespace {
+
+// Whether an escape sequence has come to its end. The ESC of a string terminator ends an OSC before it begins its own.
+bool is_whole(std::string_view sequence) {
+  if (sequence[1] == ']') return sequence.back() == '\a';
+  if (sequence[1] == '[') return sequence.size() > 2 && sequence.back() >= '@' && sequence.back() <= '~';
+  return true;
+}
+
+}  // namespace
 
 // The terminal library reports through C callbacks; `user` is the TerminalScreen.
 struct TerminalScreen::Callbacks {
@@ -43,8 +58,19 @@ TerminalScreen::TerminalScreen(int rows, int cols) : _terminal(::vterm_new(rows,
 TerminalScreen::~TerminalScreen() = default;
 
 void TerminalScreen::feed(std::string_view bytes) {
-  ::vterm_input_write(_terminal.get(), bytes.data(), bytes.size());
-  _note_cursor_shape(bytes);
+  std::string passed;
+  for (char byte : bytes) {
+    if (byte == '\x1b') {
+      passed += _take_sequence();
+      _sequence = byte;
+    } else if (_sequence.empty()) {
+      passed += byte;
+    } else {
+      _sequence += byte;
+      if (is_whole(_sequence)) passed += _take_sequence();
+    }
+  }
+  ::vterm_input_write(_terminal.get(), passed.data(), passed.size());
 }
 
 void TerminalScreen::resize(int rows, int cols) {
@@ -90,6 +116,7 @@ Cell TerminalScreen::cell(int y, int x) const {
   cell.bold = found.attrs.bold;
   cell.italic = found.attrs.italic;
   cell.reverse = found.attrs.reverse;
+  cell.dim = found.attrs.blink;
   auto index = [](const VTermColor& colour, bool standard) {
     return standard || !VTERM_COLOR_IS_INDEXED(&colour) ? DEFAULT_COLOUR : int{colour.indexed.idx};
   };
@@ -120,18 +147,19 @@ std::string TerminalScreen::picture() const {
          (_cursor_visible ? "" : ", hidden") + (_alternate ? ", alternate screen\n" : "\n");
 }
 
-// DECSCUSR, CSI Ps SP q: the terminal library does not tell 0 (its own shape) from 1.
-void TerminalScreen::_note_cursor_shape(std::string_view bytes) {
-  for (char byte : bytes) {
-    if (byte == '\x1b') _sequence.clear();
-    if (byte != '\x1b' && _sequence.empty()) continue;
-    _sequence += byte;
-    bool is_csi = _sequence.size() < 2 || _sequence[1] == '[';
-    bool is_final = _sequence.size() > 2 && byte >= '@' && byte <= '~';
-    if (is_csi && !is_final) continue;
-    if (is_csi && _sequence.ends_with(" q")) _cursor_shape = std::atoi(_sequence.c_str() + 2);
-    _sequence.clear();
-  }
+// Notes what the terminal library does not tell, or does not know: the cursor's own shape (DECSCUSR 0) from shape 1,
+// palette entries (OSC 4), and dim characters (SGR 2), for which blinking ones (SGR 5) stand in.
+std::string TerminalScreen::_take_sequence() {
+  std::string sequence = std::exchange(_sequence, "");
+  if (sequence.ends_with(" q")) _cursor_shape = std::atoi(sequence.c_str() + 2);
+  int index = 0;
+  std::array<char, 3> red{}, green{}, blue{};
+  if (std::sscanf(sequence.c_str(), "\x1b]4;%d;rgb:%2[^/]/%2[^/]/%2[^/\a]", &index, red.data(), green.data(),
+                  blue.data()) == 4)
+    _palette[index] = std::string(red.data()) + green.data() + blue.data();
+  for (std::string_view dim : {"\x1b[2m", "\x1b[0;2m"})
+    if (sequence == dim) sequence[sequence.size() - 2] = '5';
+  return sequence;
 }
 
 }  // namespace brenlow::test

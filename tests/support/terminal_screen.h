@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,7 +15,7 @@ inline constexpr int DEFAULT_COLOUR = -1;
 
 struct Cell {
   std::string text;  // UTF-8; a blank for an empty cell
-  bool bold = false, italic = false, reverse = false;
+  bool bold = false, italic = false, dim = false, reverse = false;
   int fg = DEFAULT_COLOUR, bg = DEFAULT_COLOUR;  // index in the palette
 
   friend bool operator==(const Cell&, const Cell&) = default;
@@ -49,6 +50,8 @@ class TerminalScreen {
   bool alternate() const { return _alternate; }
   // The last DECSCUSR parameter sent: 0 the terminal's own shape, as at the start; 1 to 6.
   int cursor_shape() const { return _cursor_shape; }
+  // Colours that were redefined (OSC 4): index to "RRGGBB".
+  const std::map<int, std::string>& palette() const { return _palette; }
 
  private:
   struct Callbacks;
@@ -57,7 +60,7 @@ class TerminalScreen {
   };
 
   std::string _whole_row(int y) const;
-  void _note_cursor_shape(std::string_view bytes);
+  std::string _take_sequence();
 
   std::unique_ptr<VTerm, FreeTerminal> _terminal;
   VTermScreen* _screen;  // owned by _terminal
@@ -66,7 +69,8 @@ class TerminalScreen {
   bool _cursor_visible = true;
   bool _alternate = false;
   int _cursor_shape = 0;
-  std::string _sequence;  // the escape sequence that the output is in
+  std::map<int, std::string> _palette;
+  std::string _sequence;  // the escape sequence that the output is in, held back until it is whole
 };
 
 }  // namespace brenlow::test
