@@ -24,11 +24,11 @@ std::vector<std::u32string_view> split_at_line_feeds(std::u32string_view text) {
 
 }  // namespace
 
-std::u32string Editor::_internal_clipboard_text() const {
-  std::u32string text;
+std::string Editor::_internal_clipboard_text() const {
+  std::string text;
   for (std::size_t i = 0; i < _internal_clipboard.size(); ++i) {
-    if (i > 0) text += U'\n';
-    text += _internal_clipboard[i].view();
+    if (i > 0) text += '\n';
+    append_utf8_text(text, _internal_clipboard[i]);
   }
   return text;
 }
@@ -43,11 +43,15 @@ std::optional<Editor::Copied> Editor::_copy_selection() {
   std::vector<Text> pieces;
   std::vector<SpanList> formats;
   std::vector<int> breaks;
+  auto characters = static_cast<std::size_t>(range->ey - range->sy);  // the line feeds
   for (int ly = range->sy; ly <= range->ey; ++ly) {
     auto [first, last] = _range_columns(*range, ly);
-    pieces.emplace_back(
-        _line(ly).view().substr(static_cast<std::size_t>(first), static_cast<std::size_t>(last - first)));
+    bool whole = first == 0 && last == _line_length(ly);
+    pieces.push_back(
+        whole ? _line(ly)
+              : Text(_line(ly).view().substr(static_cast<std::size_t>(first), static_cast<std::size_t>(last - first))));
     formats.push_back(spans_within(_fmt(ly), first, last));
+    characters += pieces.back().size();
   }
   for (int ly : pagebreak_lines)
     if (ly >= range->sy && ly <= range->ey) breaks.push_back(ly - range->sy);
@@ -55,8 +59,7 @@ std::optional<Editor::Copied> Editor::_copy_selection() {
   _internal_clipboard_fmt = std::move(formats);
   _internal_clipboard_pbl = IndexSet::from_sorted(breaks);
 
-  std::u32string text = _internal_clipboard_text();
-  return Copied{text.size(), _clipboard_copy(encode_utf8(text), _machine.search_path)};
+  return Copied{characters, _clipboard_copy(_internal_clipboard_text(), _machine.search_path)};
 }
 
 void Editor::do_copy() {
@@ -78,12 +81,12 @@ void Editor::do_cut() {
 
 void Editor::do_paste() {
   std::optional<std::string> bytes = _clipboard_paste(_machine.search_path);
-  std::u32string text = bytes ? decode_utf8(*bytes) : _internal_clipboard_text();
+  std::u32string text = decode_utf8(bytes ? *bytes : _internal_clipboard_text());
   if (text.empty()) {
     _show_message("Clipboard is empty.");
     return;
   }
-  bool rich = !_internal_clipboard_fmt.empty() && (!bytes || text == _internal_clipboard_text());
+  bool rich = !_internal_clipboard_fmt.empty() && (!bytes || encode_utf8(text) == _internal_clipboard_text());
   _insert_parts(split_at_line_feeds(text), rich, true);
   _show_message("Pasted " + std::to_string(text.size()) + " character(s).");
   _kgrep_refresh();
@@ -131,7 +134,7 @@ void Editor::_insert_one_part(std::u32string_view part, bool rich) {
 
 void Editor::_insert_many_parts(const std::vector<std::u32string_view>& parts, bool rich) {
   std::size_t count = parts.size();
-  std::u32string_view line = _line(cy).view();
+  TextView line = _line(cy);
   auto at = static_cast<std::size_t>(cx);
   SplitSpans split = _fmt_split_line(cy, cx);
 
@@ -169,9 +172,8 @@ void Editor::_insert_many_parts(const std::vector<std::u32string_view>& parts, b
 
 std::u32string Editor::_clipboard_as_one_line() const {
   std::optional<std::string> bytes = _clipboard_paste(_machine.search_path);
-  std::u32string text = bytes ? decode_utf8(*bytes) : std::u32string();
-  if (text.empty()) text = _internal_clipboard_text();
-  return one_line(text);
+  if (!bytes || bytes->empty()) bytes = _internal_clipboard_text();
+  return one_line(decode_utf8(*bytes));
 }
 
 }  // namespace brenlow

@@ -242,7 +242,7 @@ class Editor {
     bool taken;  // by an external tool
   };
   std::optional<Copied> _copy_selection();
-  std::u32string _internal_clipboard_text() const;
+  std::string _internal_clipboard_text() const;   // UTF-8
   std::u32string _clipboard_as_one_line() const;  // for prompts
   void _insert_parts(const std::vector<std::u32string_view>& parts, bool rich, bool guard);
   void _insert_one_part(std::u32string_view part, bool rich);
@@ -324,7 +324,7 @@ class Editor {
   bool _has_separator(const MapEntry& entry) const;
   int _logical_to_screen_row(int ly, int column, const std::vector<MapEntry>& screen_map) const;
   int _count_separators(const std::vector<MapEntry>& screen_map, int first, int end) const;
-  std::u32string_view _row_text(const MapEntry& entry, std::u32string& composed) const;
+  TextView _row_text(const MapEntry& entry, std::u32string& composed) const;
   bool _is_list_continuation(const MapEntry& entry) const;
 
   // ---- drawing ------------------------------------------------------------ screen/drawing.cpp

@@ -51,7 +51,7 @@ void Editor::_edit_document(const std::function<void()>& change) {
 // Divides the line; breaks and folds behind it move down. A break on the line stays on the upper part, and a
 // folded header that moves down whole takes its fold along.
 void Editor::_split_line(int ly, int col) {
-  std::u32string_view text = _line(ly).view();
+  TextView text = _line(ly);
   auto at = static_cast<std::size_t>(col);
   Text upper(text.substr(0, at));
   Text lower_part(text.substr(at));
@@ -85,7 +85,7 @@ void Editor::insert_char(char32_t ch) {
     if (ch == U'\'') ch = U'’';
   }
   _edit_lines(cy, cy + 1, [&] {
-    _set_line(cy, _line(cy).spliced(static_cast<std::size_t>(cx), 0, {&ch, 1}));
+    _set_line(cy, _line(cy).spliced(static_cast<std::size_t>(cx), 0, TextView(&ch, 1)));
     _fmt_insert_char(cy, cx, _cur_fmt);
     ++cx;
     return 1;

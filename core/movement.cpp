@@ -107,7 +107,7 @@ void Editor::_word_left() {
       cx = _line_length(cy);
       return;
     }
-    const Text& text = _line(cy);
+    TextView text = _line(cy);
     auto blank_before = [&] { return text[static_cast<std::size_t>(cx - 1)] == U' '; };
     while (cx > 0 && blank_before()) --cx;
     while (cx > 0 && !blank_before()) --cx;
@@ -123,7 +123,7 @@ void Editor::_word_right() {
       cx = 0;
       return;
     }
-    const Text& text = _line(cy);
+    TextView text = _line(cy);
     auto blank_here = [&] { return text[static_cast<std::size_t>(cx)] == U' '; };
     while (cx < length && !blank_here()) ++cx;
     while (cx < length && blank_here()) ++cx;

@@ -42,6 +42,9 @@ class SharedArray {
     return made;
   }
 
+  // For whoever makes an array that is shared while it is still being filled: values that nobody reads yet.
+  T* writable() { return _block ? _values(_block) : nullptr; }
+
   std::size_t size() const { return _block ? _block->size : 0; }
   bool empty() const { return !_block; }
   const T* data() const { return _block ? _values(_block) : nullptr; }

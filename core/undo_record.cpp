@@ -74,8 +74,8 @@ void keep_differing_lines(UndoRecord& r) {
 }
 
 // How many elements `a` and `b` share in front, and behind that, where `same_tail` decides.
-template <class A, class SameTail>
-std::pair<int, int> shared_ends(const A& a, const A& b, SameTail&& same_tail) {
+template <class A, class B, class SameTail>
+std::pair<int, int> shared_ends(const A& a, const B& b, SameTail&& same_tail) {
   int most = static_cast<int>(std::min(a.size(), b.size()));
   int head = static_cast<int>(std::mismatch(a.begin(), a.begin() + most, b.begin()).first - a.begin());
   int tail = 0;
@@ -95,8 +95,11 @@ void keep_differing_middle(UndoRecord& r) {
   Text& before = r.old_lines[0];
   Text& after = r.new_lines[0];
   if (std::min(before.length(), after.length()) < LONG_LINE) return;
-  auto same = [](char32_t a, char32_t b) { return a == b; };
-  std::tie(r.kept.head, r.kept.tail) = shared_ends(before.view(), after.view(), same);
+  std::tie(r.kept.head, r.kept.tail) = before.view().visit([&](auto old_characters) {
+    return after.view().visit([&](auto new_characters) {
+      return shared_ends(old_characters, new_characters, [](char32_t a, char32_t b) { return a == b; });
+    });
+  });
   int growth = after.length() - before.length();
   std::tie(r.kept.head_spans, r.kept.tail_spans) =
       shared_ends(r.old_fmt[0].view(), r.new_fmt[0].view(), [&](const Span& a, const Span& b) {
@@ -115,7 +118,7 @@ void keep_differing_middle(UndoRecord& r) {
 // The long line of the record's one run, put together from what stands in the document and the middle.
 std::pair<Text, SpanList> rebuilt_line(const UndoRecord& r, const Text& present, const SpanList& present_fmt,
                                        const Text& middle, const SpanList& middle_fmt) {
-  std::u32string_view all = present.view();
+  TextView all = present;
   Text text = joined(all.substr(0, static_cast<std::size_t>(r.kept.head)), middle.view(),
                      all.substr(all.size() - static_cast<std::size_t>(r.kept.tail)));
   int growth = text.length() - present.length();

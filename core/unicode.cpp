@@ -37,18 +37,30 @@ Decoded decode_one(std::string_view bytes, std::size_t at) {
   return {character, more + 1, true};
 }
 
+// How many bytes from `at` on are ASCII.
+std::size_t ascii_run(std::string_view bytes, std::size_t at) {
+  constexpr std::size_t BLOCK = 16;  // with fixed bounds, so that the compiler can use wide registers
+  std::size_t end = at;
+  for (; end + BLOCK <= bytes.size(); end += BLOCK) {
+    unsigned char all = 0;
+    for (std::size_t i = 0; i < BLOCK; ++i) all |= static_cast<unsigned char>(bytes[end + i]);
+    if (all >= 0x80) break;
+  }
+  while (end < bytes.size() && static_cast<unsigned char>(bytes[end]) < 0x80) ++end;
+  return end - at;
+}
+
 }  // namespace
 
 std::size_t decode_utf8_into(std::string_view bytes, char32_t* out) {
   char32_t* const begin = out;
   std::size_t at = 0;
   while (at < bytes.size()) {
-    unsigned char byte = static_cast<unsigned char>(bytes[at]);
-    if (byte < 0x80) {
-      *out++ = byte;
-      ++at;
-      continue;
-    }
+    std::size_t ascii = ascii_run(bytes, at);
+    std::copy_n(bytes.begin() + static_cast<long>(at), ascii, out);
+    at += ascii;
+    out += ascii;
+    if (at == bytes.size()) break;
     Decoded one = decode_one(bytes, at);
     *out++ = one.character;
     at += static_cast<std::size_t>(one.length);
@@ -94,10 +106,16 @@ void append_utf8(std::string& out, char32_t character) {
   tail(0);
 }
 
-std::string encode_utf8(std::u32string_view text) {
+void append_utf8_text(std::string& out, TextView text) {
+  append_in_blocks(
+      out, text, [](char32_t character) { return character < 0x80; },
+      [&](char32_t character) { append_utf8(out, character); });
+}
+
+std::string encode_utf8(TextView text) {
   std::string bytes;
   bytes.reserve(text.size() + text.size() / 8);
-  for (char32_t character : text) append_utf8(bytes, character);
+  append_utf8_text(bytes, text);
   return bytes;
 }
 
@@ -109,8 +127,8 @@ char32_t lower(char32_t character) {
   return static_cast<char32_t>(std::towlower(static_cast<wint_t>(character)));
 }
 
-std::u32string lowered(std::u32string_view text) {
-  std::u32string out(text);
+std::u32string lowered(TextView text) {
+  std::u32string out = text.str();
   for (char32_t& character : out) character = lower(character);
   return out;
 }
@@ -129,14 +147,14 @@ bool is_space(char32_t c) {
          c == 0x202F || c == 0x205F || c == 0x3000;
 }
 
-std::u32string_view trimmed_right(std::u32string_view text) {
-  while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
+TextView trimmed_right(TextView text) {
+  while (!text.empty() && is_space(text.back())) text = text.substr(0, text.size() - 1);
   return text;
 }
 
-std::u32string_view trimmed(std::u32string_view text) {
+TextView trimmed(TextView text) {
   text = trimmed_right(text);
-  while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_space(text.front())) text = text.substr(1);
   return text;
 }
 
@@ -158,29 +176,42 @@ std::u32string one_line(std::u32string_view text) {
   return out;
 }
 
-int count_words(std::u32string_view text) {
-  // In blocks of flags, with loops that the compiler can run on several characters at once.
+namespace {
+
+// In blocks of flags, with loops that the compiler can run on several characters at once.
+template <class Character>
+int count_words_in(std::span<Character> text) {
   constexpr std::size_t BLOCK = 256;
   std::array<unsigned char, BLOCK + 1> blank;  // blank[0] stands for the character before the block
   blank[0] = 1;
   int words = 0;
   for (std::size_t at = 0; at < text.size(); at += BLOCK) {
-    std::size_t count = std::min(BLOCK, text.size() - at);
-    const char32_t* block = text.data() + at;
-    char32_t all = 0;
-    for (std::size_t i = 0; i < count; ++i) all |= block[i];
+    auto block = text.subspan(at, std::min(BLOCK, text.size() - at));
+    using Raw = decltype(raw(block[0]));
+    Raw all = 0;
+    for (Character character : block) all |= raw(character);
     if (all < 0x80) {
-      for (std::size_t i = 0; i < count; ++i)
-        blank[i + 1] = static_cast<unsigned char>((block[i] == 0x20) | (block[i] - 0x09 < 5) | (block[i] - 0x1C < 4));
+      for (std::size_t i = 0; i < block.size(); ++i) {
+        Raw c = raw(block[i]);
+        Raw from_tab = static_cast<Raw>(c - 0x09);
+        Raw from_separators = static_cast<Raw>(c - 0x1C);
+        blank[i + 1] = static_cast<unsigned char>((c == 0x20) | (from_tab < 5) | (from_separators < 4));
+      }
     } else {
-      for (std::size_t i = 0; i < count; ++i) blank[i + 1] = is_space(block[i]) ? 1 : 0;
+      for (std::size_t i = 0; i < block.size(); ++i) blank[i + 1] = is_space(block[i]) ? 1 : 0;
     }
     int begun = 0;
-    for (std::size_t i = 0; i < count; ++i) begun += blank[i] & ~blank[i + 1] & 1;
+    for (std::size_t i = 0; i < block.size(); ++i) begun += blank[i] & ~blank[i + 1] & 1;
     words += begun;
-    blank[0] = blank[count];
+    blank[0] = blank[block.size()];
   }
   return words;
+}
+
+}  // namespace
+
+int count_words(TextView text) {
+  return text.visit([](auto characters) { return count_words_in(characters); });
 }
 
 std::string path_base_name(std::string_view path) { return std::string(path.substr(path.find_last_of('/') + 1)); }

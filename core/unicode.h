@@ -1,9 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "core/text_view.h"
 
 namespace brenlow {
 
@@ -15,25 +18,52 @@ std::size_t decode_utf8_into(std::string_view bytes, char32_t* out);
 // Strict: nothing if a byte is wrong or the text ends within a character.
 std::optional<std::u32string> decode_utf8_strict(std::string_view bytes);
 // Code points that are none (surrogates, above U+10FFFF) are written as U+FFFD.
-std::string encode_utf8(std::u32string_view text);
+std::string encode_utf8(TextView text);
 void append_utf8(std::string& out, char32_t character);
+void append_utf8_text(std::string& out, TextView text);
+
+// Appends text of which most characters are `plain`, that is ASCII taken as it is; each other one is handed to
+// `special`. `plain` is asked of whole blocks, so it should not branch.
+template <class Plain, class Special>
+void append_in_blocks(std::string& out, TextView text, Plain&& plain, Special&& special) {
+  text.visit([&](auto characters) {
+    constexpr std::size_t BLOCK = 64;
+    for (std::size_t at = 0; at < characters.size(); at += BLOCK) {
+      auto block = characters.subspan(at, std::min(BLOCK, characters.size() - at));
+      bool all_plain = true;
+      for (auto character : block) all_plain &= plain(raw(character));
+      if (all_plain) {
+        std::size_t size = out.size();
+        out.resize(size + block.size());
+        for (std::size_t i = 0; i < block.size(); ++i) out[size + i] = static_cast<char>(raw(block[i]));
+        continue;
+      }
+      for (char32_t character : block) {
+        if (plain(character))
+          out.push_back(static_cast<char>(character));
+        else
+          special(character);
+      }
+    }
+  });
+}
 
 // One code point to one code point, so that offsets hold; a letter without such a partner stays.
 char32_t lower(char32_t character);
-std::u32string lowered(std::u32string_view text);
+std::u32string lowered(TextView text);
 std::string lowered_ascii(std::string_view text);
 
 // White space as Unicode defines it, with the information separators U+001C to U+001F.
 bool is_space(char32_t character);
-std::u32string_view trimmed(std::u32string_view text);
-std::u32string_view trimmed_right(std::u32string_view text);
+TextView trimmed(TextView text);
+TextView trimmed_right(TextView text);
 std::string_view trimmed(std::string_view text);
 
 // The text with every line break ("\r\n", "\n", "\r") replaced by one blank.
 std::u32string one_line(std::u32string_view text);
 
 // The words of the text, divided by white space.
-int count_words(std::u32string_view text);
+int count_words(TextView text);
 
 // The lower-cased extension of the last component of a path with its dot: ".odt"; empty without one,
 // also for a name whose only dot is its first character.

@@ -36,9 +36,7 @@ constexpr std::array<NamedColor, 8> _NAMED_COLORS{{{"black", COLOR_BLACK},
                                                    {"cyan", COLOR_CYAN},
                                                    {"white", COLOR_WHITE}}};
 
-std::string stripped_and_lowered(std::string_view text) {
-  return encode_utf8(lowered(trimmed(std::u32string_view(decode_utf8(text)))));
-}
+std::string stripped_and_lowered(std::string_view text) { return encode_utf8(lowered(trimmed(decode_utf8(text)))); }
 
 std::optional<unsigned char> hex_byte(std::string_view digits) {
   int value = 0;
@@ -68,7 +66,7 @@ void finish_rule(SyntaxRules& rules, std::optional<std::u32string>& pattern, std
   auto source = std::exchange(pattern, std::nullopt);
   auto wanted = std::exchange(style, std::nullopt);
   if (!source || !wanted) return;
-  std::u32string name = lowered(trimmed(std::u32string_view(*source)));
+  std::u32string name = lowered(trimmed(*source));
   auto format = std::find_if(_FORMAT_PATTERNS.begin(), _FORMAT_PATTERNS.end(),
                              [&](const FormatPattern& known) { return known.text == name; });
   if (format != _FORMAT_PATTERNS.end())
@@ -106,7 +104,7 @@ SyntaxRules parse_syntax_rules(std::string_view text) {
     auto entry = split_conf_line(line, 0);
     if (!entry) continue;
     std::string key = stripped_and_lowered(entry->key);
-    if (key == "pattern") pattern = std::u32string(trimmed(std::u32string_view(decode_utf8(entry->value))));
+    if (key == "pattern") pattern = trimmed(decode_utf8(entry->value)).str();
     if (key == "style") style = _parse_style_spec(entry->value);
   }
   finish_rule(rules, pattern, style);

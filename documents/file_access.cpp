@@ -45,6 +45,28 @@ FileDescriptor open_checked(const std::string& path, int flags) {
   return file;
 }
 
+// The size that the system tells, for a file that may be read.
+std::size_t size_within(int file, std::size_t limit) {
+  struct stat status;
+  if (::fstat(file, &status) != 0) throw failure_of(errno);
+  std::size_t size = static_cast<std::size_t>(status.st_size);
+  if (size > limit) throw failure_of(EFBIG);
+  return size;
+}
+
+// Reads `size` bytes from `position` on; fewer only where the file ends.
+std::size_t read_at(int file, std::size_t position, char* out, std::size_t size) {
+  std::size_t filled = 0;
+  while (filled < size) {
+    ssize_t got = ::pread(file, out + filled, size - filled, static_cast<off_t>(position + filled));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throw failure_of(errno);
+    if (got == 0) break;
+    filled += static_cast<std::size_t>(got);
+  }
+  return filled;
+}
+
 // Reads from the file's start until `limit` bytes or the end; the size told by the system is only a hint.
 std::string read_up_to(int file, std::size_t limit, std::size_t size_hint) {
   constexpr std::size_t STEP = 1 << 16;
@@ -53,11 +75,10 @@ std::string read_up_to(int file, std::size_t limit, std::size_t size_hint) {
   std::size_t filled = 0;
   while (filled < limit) {
     if (filled == bytes.size()) bytes.resize(std::min(limit, bytes.size() * 2 + STEP));
-    ssize_t got = ::pread(file, bytes.data() + filled, bytes.size() - filled, static_cast<off_t>(filled));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throw failure_of(errno);
-    if (got == 0) break;
-    filled += static_cast<std::size_t>(got);
+    std::size_t room = bytes.size() - filled;
+    std::size_t got = read_at(file, filled, bytes.data() + filled, room);
+    filled += got;
+    if (got < room) break;
   }
   bytes.resize(filled);
   return bytes;
@@ -173,13 +194,22 @@ FileDescriptor open_regular_file(const std::string& path) {
 
 std::string read_file(const std::string& path, std::size_t limit) {
   FileDescriptor file = open_regular_file(path);
-  struct stat status;
-  if (::fstat(file.get(), &status) != 0) throw failure_of(errno);
-  std::size_t size = static_cast<std::size_t>(status.st_size);
-  if (size > limit) throw failure_of(EFBIG);
-  std::string bytes = read_up_to(file.get(), limit + 1, size);
+  std::string bytes = read_up_to(file.get(), limit + 1, size_within(file.get(), limit));
   if (bytes.size() > limit) throw failure_of(EFBIG);
   return bytes;
+}
+
+SharedArray<char> read_shared_file(const std::string& path, std::size_t limit) {
+  FileDescriptor file = open_regular_file(path);
+  std::size_t size = size_within(file.get(), limit);
+  std::size_t filled = 0;
+  auto bytes = SharedArray<char>::build(size, [&](char* out) { filled = read_at(file.get(), 0, out, size); });
+  char further = 0;
+  if (filled == size && read_at(file.get(), size, &further, 1) == 0) return bytes;
+  // The size told by the system was not true, or the file is changing.
+  std::string whole = read_up_to(file.get(), limit + 1, size);
+  if (whole.size() > limit) throw failure_of(EFBIG);
+  return SharedArray<char>(whole);
 }
 
 void write_file(const std::string& path, std::string_view bytes) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/shared_array.h"
+
 namespace brenlow {
 
 // Owner of an open file descriptor.
@@ -27,6 +29,8 @@ FileDescriptor open_regular_file(const std::string& path);
 // The bytes of a regular file of at most `limit` bytes. Folders, pipes and devices are refused and never
 // block. Throws Failure.
 std::string read_file(const std::string& path, std::size_t limit);
+// The same, in storage that the lines of a document can share.
+SharedArray<char> read_shared_file(const std::string& path, std::size_t limit);
 
 // Replaces the content of `path` in place, keeping its owner, mode and links. The space is reserved before
 // the first old byte is overwritten and every write, flush and close is checked; on a failure the old

@@ -4,7 +4,7 @@
 
 namespace brenlow {
 
-std::vector<Segment> _fmt_spans_for_line(std::u32string_view line, const SpanList& spans) {
+std::vector<Segment> _fmt_spans_for_line(TextView line, const SpanList& spans) {
   std::vector<Segment> segments;
   std::size_t position = 0;
   auto add_until = [&](std::size_t end, int bits) {

@@ -232,7 +232,7 @@ void Editor::do_insert_document() {
 void Editor::_insert_triple(const DocumentTriple& loaded) {
   _push_undo_bulk();
   _invalidate_map();
-  std::u32string_view line = _line(cy).view();
+  TextView line = _line(cy);
   Text head(line.substr(0, static_cast<std::size_t>(cx)));
   Text tail(line.substr(static_cast<std::size_t>(cx)));
   SplitSpans split = _fmt_split_line(cy, cx);

@@ -32,22 +32,55 @@ std::size_t boundary_length(std::string_view bytes, std::size_t at) {
   return 0;
 }
 
+// The first place from `at` on that is no printable ASCII character.
+std::size_t skip_plain(std::string_view bytes, std::size_t at) {
+  constexpr std::size_t BLOCK = 32;  // with fixed bounds, so that the compiler can use wide registers
+  for (; at + BLOCK <= bytes.size(); at += BLOCK) {
+    signed char low = 0x7F;
+    for (std::size_t i = 0; i < BLOCK; ++i) low = std::min(low, static_cast<signed char>(bytes[at + i]));
+    if (low < 0x20) break;
+  }
+  while (at < bytes.size() && static_cast<signed char>(bytes[at]) >= 0x20) ++at;
+  return at;
+}
+
 LineEnd find_line_end(std::string_view bytes, std::size_t start) {
   bool ascii = true;
   for (std::size_t at = start;; ++at) {
-    while (at < bytes.size() && static_cast<signed char>(bytes[at]) >= 0x20) ++at;
+    at = skip_plain(bytes, at);
     if (at == bytes.size()) return {at, at, ascii};
     if (std::size_t length = boundary_length(bytes, at)) return {at, at + length, ascii};
     ascii = ascii && static_cast<signed char>(bytes[at]) >= 0;
   }
 }
 
-Text decoded_line(std::string_view bytes, bool ascii, std::u32string& scratch) {
-  if (ascii) return Text::build(bytes.size(), [&](char32_t* out) { std::copy(bytes.begin(), bytes.end(), out); });
-  if (scratch.size() < bytes.size()) scratch.resize(bytes.size());
-  std::size_t length = decode_utf8_into(bytes, scratch.data());
-  return Text(std::u32string_view(scratch).substr(0, length));
-}
+// The lines of a file, one after the other. A line that narrow characters can hold becomes a slice of the
+// file's storage: its characters take the place of its bytes, which are never fewer.
+class LineReader {
+ public:
+  explicit LineReader(SharedArray<char> file) : _file(std::move(file)) {}
+
+  Text decoded(std::size_t start, const LineEnd& line) {
+    std::size_t size = line.end - start;
+    if (line.ascii) return Text::slice(_file, start, size);
+    if (_scratch.size() < size) _scratch.resize(size);
+    size = decode_utf8_into(std::string_view(_file.data() + start, size), _scratch.data());
+    std::u32string_view characters(_scratch.data(), size);
+    return _narrowed(characters, _file.writable() + start) ? Text::slice(_file, start, size) : Text(characters);
+  }
+
+ private:
+  static bool _narrowed(std::u32string_view characters, char* out) {
+    return std::all_of(characters.begin(), characters.end(), [&](char32_t character) {
+      auto byte = NarrowCharacter::of(character);
+      *out++ = static_cast<char>(byte.value_or(0));
+      return byte.has_value();
+    });
+  }
+
+  SharedArray<char> _file;
+  std::u32string _scratch;
+};
 
 }  // namespace
 
@@ -56,14 +89,14 @@ bool is_plain_text_extension(std::string_view extension) {
 }
 
 DocumentTriple txt_to_lines(const std::string& path) {
-  const std::string bytes = read_file(path, MAX_FILE_BYTES);
+  SharedArray<char> file = read_shared_file(path, MAX_FILE_BYTES);
+  std::string_view bytes(file.data(), file.size());
+  LineReader reader(std::move(file));
   DocumentTriple document;
   document.lines.clear();
-  std::u32string scratch;
   for (std::size_t start = 0; start < bytes.size();) {
     LineEnd line = find_line_end(bytes, start);
-    document.lines.push_back(
-        decoded_line(std::string_view(bytes).substr(start, line.end - start), line.ascii, scratch));
+    document.lines.push_back(reader.decoded(start, line));
     if (document.lines.size() > MAX_LINES) throw Failure("too many lines");
     start = line.next;
   }
@@ -79,12 +112,7 @@ void lines_to_txt(const std::vector<Text>& lines, const std::string& path) {
   bytes.reserve(characters + characters / 16);
   for (std::size_t i = 0; i < lines.size(); ++i) {
     if (i > 0) bytes += '\n';
-    for (char32_t character : lines[i].view()) {
-      if (character < 0x80)
-        bytes += static_cast<char>(character);
-      else
-        append_utf8(bytes, character);
-    }
+    append_utf8_text(bytes, lines[i]);
   }
   write_file(path, bytes);
 }

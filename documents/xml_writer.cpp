@@ -17,7 +17,7 @@ std::string_view text_of(const xmlChar* characters) {
   return characters ? std::string_view(reinterpret_cast<const char*>(characters)) : std::string_view();
 }
 
-bool is_printable_ascii(char32_t c) { return c >= 0x20 && c < 0x7F && c != U'<' && c != U'>' && c != U'&'; }
+bool is_printable_ascii(char32_t c) { return (c - 0x20 < 0x5F) & (c != U'<') & (c != U'>') & (c != U'&'); }
 
 void append_special(std::string& out, char32_t c) {
   switch (c) {
@@ -191,16 +191,8 @@ class Serialiser {
 
 }  // namespace
 
-void append_escaped(std::string& out, std::u32string_view text) {
-  for (std::size_t at = 0; at < text.size();) {
-    std::size_t end = at;
-    while (end < text.size() && is_printable_ascii(text[end])) ++end;
-    std::size_t before = out.size();
-    out.resize(before + (end - at));
-    std::transform(text.begin() + at, text.begin() + end, out.begin() + before,
-                   [](char32_t c) { return static_cast<char>(c); });
-    for (at = end; at < text.size() && !is_printable_ascii(text[at]); ++at) append_special(out, text[at]);
-  }
+void append_escaped(std::string& out, TextView text) {
+  append_in_blocks(out, text, is_printable_ascii, [&](char32_t character) { append_special(out, character); });
 }
 
 std::string serialise(const XmlNode* root, std::span<const std::pair<std::string_view, std::string_view>> fixed,

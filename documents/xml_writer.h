@@ -6,13 +6,14 @@
 #include <utility>
 #include <vector>
 
+#include "core/text_view.h"
 #include "documents/xml_tree.h"
 
 namespace brenlow {
 
 // Appends text as element content. Characters that XML 1.0 cannot hold (section 2.2) become U+FFFD, so
 // that the document can be read again.
-void append_escaped(std::string& out, std::u32string_view text);
+void append_escaped(std::string& out, TextView text);
 
 // Finished markup that takes a place in a tree which is written.
 struct XmlInsertion {

@@ -196,7 +196,7 @@ void Browser::offer(const std::string& name) {
 std::string Browser::entered_name() const {
   bool untouched = _filename.text() == decode_utf8(_offered);
   if (untouched && !decode_utf8_strict(_offered)) return _offered;
-  return encode_utf8(trimmed(std::u32string_view(_filename.text())));
+  return encode_utf8(trimmed(_filename.text()));
 }
 
 Browser::Outcome Browser::list_key(int key) {

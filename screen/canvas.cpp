@@ -46,19 +46,24 @@ void Canvas::erase() {
   _written_end = {-1, -1};
 }
 
-void Canvas::put(int row, int column, std::u32string_view text, Style style) {
+void Canvas::put(int row, int column, TextView text, Style style) {
   if (text.empty() || row < 0 || column < 0 || row >= _rows || column >= _cols) return;
   text = text.substr(0, static_cast<std::size_t>(_cols - column));
   Cell* cell =
       &_drawn[static_cast<std::size_t>(row) * static_cast<std::size_t>(_cols) + static_cast<std::size_t>(column)];
   std::uint64_t look = Cell::look(style);
-  // Plain text, which is most of it, in loops that the compiler can run on several cells at once.
-  bool plain = true;
-  for (char32_t character : text) plain &= character - 0x20 < 0x5F;
-  if (plain)
-    for (std::size_t i = 0; i < text.size(); ++i) cell[i].bits = look | text[i];
-  else
-    for (std::size_t i = 0; i < text.size(); ++i) cell[i].bits = look | shown_as(text[i]);
+  text.visit([&](auto characters) {
+    // Plain text, which is most of it, in loops that the compiler can run on several cells at once.
+    bool plain = true;
+    for (auto character : characters) {
+      auto number = raw(character);
+      plain &= (number >= 0x20) & (number < 0x7F);
+    }
+    if (plain)
+      for (std::size_t i = 0; i < characters.size(); ++i) cell[i].bits = look | raw(characters[i]);
+    else
+      for (std::size_t i = 0; i < characters.size(); ++i) cell[i].bits = look | shown_as(characters[i]);
+  });
   if (_written_end != std::pair(row, column)) cell->bits |= Cell::ANCHOR;
   _written_end = {row, column + static_cast<int>(text.size())};
 }

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "core/text_view.h"
+
 namespace brenlow::screen {
 
 // How a cell looks: the attribute bits of the screen library and the number of a colour pair.
@@ -47,7 +49,7 @@ class Canvas {
   // Writes text from a cell on. Every character takes the cells of plain print: controls and characters
   // that cannot be shown become one visible cell, a combining mark stands alone. What falls off the screen is
   // dropped; nothing wraps, scrolls or fails.
-  void put(int row, int column, std::u32string_view text, Style style = {});
+  void put(int row, int column, TextView text, Style style = {});
   // A whole row of `width` cells: the text cut or padded with blanks.
   void put_row(int row, std::u32string_view text, int width, Style style);
   // Where the terminal's cursor goes; a place off the screen is ignored.

@@ -45,8 +45,7 @@ void Editor::do_unicode_picker() {
                   std::u32string_view(row_text(*matches[static_cast<std::size_t>(top + row)])).substr(0, width));
     if (matches.empty()) _canvas.put(2, 2, U"(no matches)");
     std::string footer = " Type to filter  ESC/Enter close   " +
-                         unicode_count_text(matches.size(), !trimmed(std::u32string_view(filter)).empty()) +
-                         scroll_hint(top, last_top);
+                         unicode_count_text(matches.size(), !trimmed(filter).empty()) + scroll_hint(top, last_top);
     _canvas.put_row(rows() - 1, decode_utf8(footer), cols(), {0, screen::PAIR_PROMPT});
     _canvas.place_cursor(1, std::min(static_cast<int>(filter_row.size()) - 1, cols() - 1));
     screen::refresh(stdscr, _canvas);

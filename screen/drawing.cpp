@@ -13,7 +13,7 @@ namespace {
 using Stretch = RowLayers::Stretch;
 
 // The non-overlapping occurrences of a term, searched from the start of the line.
-std::vector<Stretch> occurrences(std::u32string_view text, const std::u32string& term, bool case_insensitive) {
+std::vector<Stretch> occurrences(TextView text, const std::u32string& term, bool case_insensitive) {
   std::vector<Stretch> found;
   Needle needle(term, case_insensitive);
   for (int at = needle.find(text, 0); at >= 0; at = needle.find(text, at + needle.length()))
@@ -178,7 +178,7 @@ void Editor::_draw_text_row(int row, const MapEntry& entry, RowLayers& layers) {
   int start = entry.start;
   int end = start + entry.length;
   std::u32string composed;
-  std::u32string_view text = _row_text(entry, composed);
+  TextView text = _row_text(entry, composed);
 
   clip_spans(_fmt(entry.ly), start, end, layers.format);
   if (_syn_rules.empty())

@@ -17,8 +17,7 @@ namespace brenlow {
 namespace {
 
 // The rows of one line as map entries behind those of the lines before.
-void append_rows(std::vector<MapEntry>& rows, int ly, std::u32string_view text, int width,
-                 std::vector<Chunk>& scratch) {
+void append_rows(std::vector<MapEntry>& rows, int ly, TextView text, int width, std::vector<Chunk>& scratch) {
   scratch.clear();
   _chunks_for_line(text, width, scratch);
   for (const Chunk& chunk : scratch) rows.push_back({ly, chunk.start, chunk.length});
@@ -146,7 +145,7 @@ int Editor::_count_separators(const std::vector<MapEntry>& screen_map, int first
 }
 
 // The text of a row; that of a folded header is put together in `composed`.
-std::u32string_view Editor::_row_text(const MapEntry& entry, std::u32string& composed) const {
+TextView Editor::_row_text(const MapEntry& entry, std::u32string& composed) const {
   if (_folded_chapters.contains(entry.ly)) {
     composed = folded_header_row(_line(entry.ly), entry.length);
     return composed;

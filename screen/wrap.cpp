@@ -7,7 +7,10 @@
 
 namespace brenlow {
 
-void _wrap_line(std::u32string_view text, int width, std::vector<Chunk>& rows, int offset) {
+namespace {
+
+template <class Character>
+void wrap(std::span<Character> text, int width, std::vector<Chunk>& rows, int offset) {
   int size = static_cast<int>(text.size());
   int at = 0;
   while (size - at > width) {
@@ -24,7 +27,13 @@ void _wrap_line(std::u32string_view text, int width, std::vector<Chunk>& rows, i
   rows.push_back({offset + at, size - at});
 }
 
-void _chunks_for_line(std::u32string_view text, int width, std::vector<Chunk>& rows) {
+}  // namespace
+
+void _wrap_line(TextView text, int width, std::vector<Chunk>& rows, int offset) {
+  text.visit([&](auto characters) { wrap(characters, width, rows, offset); });
+}
+
+void _chunks_for_line(TextView text, int width, std::vector<Chunk>& rows) {
   if (!is_list_item(text) || text.size() < 3) {
     _wrap_line(text, width, rows);
     return;
@@ -35,10 +44,10 @@ void _chunks_for_line(std::u32string_view text, int width, std::vector<Chunk>& r
   rows[first].length += 2;
 }
 
-std::u32string folded_header_row(std::u32string_view line, int width) {
+std::u32string folded_header_row(TextView line, int width) {
   constexpr std::u32string_view marker = U" ── Folded (ESC # to unfold)";
   std::size_t total = static_cast<std::size_t>(width);
-  std::u32string row(trimmed_right(line).substr(0, total));
+  std::u32string row = trimmed_right(line).substr(0, total).str();
   row.resize(total > marker.size() ? total - marker.size() : 0, U' ');
   row += marker;
   row.resize(total);

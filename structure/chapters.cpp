@@ -23,16 +23,11 @@ std::optional<LineRange> range_behind(std::span<const Text> lines, int h, Ends&&
 
 }  // namespace
 
-bool is_header(std::u32string_view text) { return !text.empty() && text.front() == U'#'; }
+bool is_header(TextView text) { return !text.empty() && text.front() == U'#'; }
 
-int header_level(std::u32string_view text) {
-  return static_cast<int>(std::min(text.find_first_not_of(U'#'), text.size()));
-}
+int header_level(TextView text) { return static_cast<int>(std::min(text.find_first_not_of(U'#'), text.size())); }
 
-std::u32string_view chapter_title(std::u32string_view text) {
-  text.remove_prefix(static_cast<std::size_t>(header_level(text)));
-  return trimmed(text);
-}
+TextView chapter_title(TextView text) { return trimmed(text.substr(static_cast<std::size_t>(header_level(text)))); }
 
 std::optional<int> find_chapter_header(std::span<const Text> lines, int ly) {
   for (; ly >= 0; --ly)

@@ -20,11 +20,11 @@ struct LineRange {
   friend bool operator==(const LineRange&, const LineRange&) = default;
 };
 
-bool is_header(std::u32string_view text);
+bool is_header(TextView text);
 // 0 for a line that is no header.
-int header_level(std::u32string_view text);
+int header_level(TextView text);
 // The text behind the leading "#" without white space around it.
-std::u32string_view chapter_title(std::u32string_view text);
+TextView chapter_title(TextView text);
 
 // The header that owns the line: the line itself or the nearest header above.
 std::optional<int> find_chapter_header(std::span<const Text> lines, int ly);

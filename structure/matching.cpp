@@ -4,6 +4,7 @@
 #include <clocale>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -37,56 +38,89 @@ const std::vector<std::pair<char32_t, char32_t>>& case_partners() {
 }
 
 // As a number: the block's comparisons are joined without a branch.
-std::uint32_t equal(char32_t a, char32_t b) { return a == b ? 1 : 0; }
+template <class Number>
+Number equal(Number a, Number b) {
+  return a == b ? 1 : 0;
+}
+
+// The characters that may stand for one of the term and that a text of this width can hold.
+template <class Character>
+auto variants_of(char32_t character, bool case_insensitive) {
+  using Number = decltype(raw(Character{}));
+  std::vector<Number> variants;
+  auto add = [&](char32_t variant) {
+    if constexpr (std::is_same_v<Character, NarrowCharacter>) {
+      if (auto byte = NarrowCharacter::of(variant)) variants.push_back(*byte);
+    } else {
+      if (static_cast<Number>(variant) == variant) variants.push_back(static_cast<Number>(variant));
+    }
+  };
+  add(character);
+  if (!case_insensitive) return variants;
+  const auto& partners = case_partners();
+  for (auto it = std::lower_bound(partners.begin(), partners.end(), std::pair(character, U'\0'));
+       it != partners.end() && it->first == character; ++it)
+    add(it->second);
+  return variants;
+}
 
 }  // namespace
 
-// False if there are more variants than fit.
-bool Needle::_choose_variants(char32_t character, Variants& chosen) const {
-  chosen.fill(character);
-  if (!_case_insensitive) return true;
-  std::size_t next = 1;
-  const auto& partners = case_partners();
-  for (auto it = std::lower_bound(partners.begin(), partners.end(), std::pair(character, U'\0'));
-       it != partners.end() && it->first == character; ++it) {
-    if (next == chosen.size()) return false;
-    chosen[next++] = it->second;
-  }
-  return true;
+template <class Character>
+Needle::Scan<Needle::Raw<Character>> Needle::_prepared() const {
+  Scan<Raw<Character>> scan;
+  auto first = variants_of<Character>(_term.front(), _case_insensitive);
+  auto last = variants_of<Character>(_term.back(), _case_insensitive);
+  scan.possible = !first.empty() && !last.empty();
+  if (!scan.possible) return scan;
+  scan.scannable = first.size() <= scan.first.size() && last.size() <= scan.last.size();
+  first.resize(scan.first.size(), first.front());
+  last.resize(scan.last.size(), last.front());
+  std::copy(first.begin(), first.end(), scan.first.begin());
+  std::copy(last.begin(), last.end(), scan.last.begin());
+  return scan;
 }
 
 Needle::Needle(std::u32string_view term, bool case_insensitive)
     : _term(case_insensitive ? lowered(term) : std::u32string(term)), _case_insensitive(case_insensitive) {
-  if (!_term.empty()) _scannable = _choose_variants(_term.front(), _first) && _choose_variants(_term.back(), _last);
+  if (!_term.empty()) _scans = {_prepared<NarrowCharacter>(), _prepared<char16_t>(), _prepared<char32_t>()};
 }
 
-bool Needle::_block_has_candidate(const char32_t* block) const {
-  if (!_scannable) return true;
-  const Variants first = _first;
-  const Variants last = _last;
-  const char32_t* ends = block + _term.size() - 1;
-  std::uint32_t any = 0;
+template <class Character>
+bool Needle::_block_has_candidate(const Character* block, const Scan<Raw<Character>>& scan) const {
+  if (!scan.scannable) return true;
+  using Number = Raw<Character>;
+  const auto first = scan.first;
+  const auto last = scan.last;
+  const Character* ends = block + _term.size() - 1;
+  Number any = 0;
   for (std::size_t i = 0; i < BLOCK; ++i) {
-    std::uint32_t begins = equal(block[i], first[0]) | equal(block[i], first[1]) | equal(block[i], first[2]);
-    std::uint32_t finishes = equal(ends[i], last[0]) | equal(ends[i], last[1]) | equal(ends[i], last[2]);
+    Number begin = raw(block[i]);
+    Number end = raw(ends[i]);
+    Number begins = equal(begin, first[0]) | equal(begin, first[1]) | equal(begin, first[2]);
+    Number finishes = equal(end, last[0]) | equal(end, last[1]) | equal(end, last[2]);
     any |= begins & finishes;
   }
   return any != 0;
 }
 
-bool Needle::_matches(const char32_t* at) const {
-  if (!_case_insensitive) return std::equal(_term.begin(), _term.end(), at);
+template <class Character>
+bool Needle::_matches(const Character* at) const {
+  if (!_case_insensitive)
+    return std::equal(_term.begin(), _term.end(), at, [](char32_t a, char32_t b) { return a == b; });
   return std::equal(_term.begin(), _term.end(), at, [](char32_t wanted, char32_t c) { return lower(c) == wanted; });
 }
 
-int Needle::find(std::u32string_view text, int from) const {
+template <class Character>
+int Needle::_find(std::span<const Character> text, int from) const {
+  const auto& scan = std::get<Scan<Raw<Character>>>(_scans);
   std::size_t at = static_cast<std::size_t>(std::max(from, 0));
-  if (_term.empty() || text.size() < _term.size()) return -1;
+  if (_term.empty() || !scan.possible || text.size() < _term.size()) return -1;
   std::size_t places = text.size() - _term.size() + 1;  // where the needle fits
-  const char32_t* begin = text.data();
+  const Character* begin = text.data();
   while (at < places) {
     std::size_t end = std::min(at + BLOCK, places);
-    if (end - at == BLOCK && !_block_has_candidate(begin + at)) {
+    if (end - at == BLOCK && !_block_has_candidate(begin + at, scan)) {
       at = end;
       continue;
     }
@@ -96,14 +130,16 @@ int Needle::find(std::u32string_view text, int from) const {
   return -1;
 }
 
-int Needle::rfind(std::u32string_view text, int before) const {
+template <class Character>
+int Needle::_rfind(std::span<const Character> text, int before) const {
+  const auto& scan = std::get<Scan<Raw<Character>>>(_scans);
   std::size_t limit = std::min(text.size(), static_cast<std::size_t>(std::max(before, 0)));
-  if (_term.empty() || limit < _term.size()) return -1;
+  if (_term.empty() || !scan.possible || limit < _term.size()) return -1;
   std::size_t end = limit - _term.size() + 1;
-  const char32_t* begin = text.data();
+  const Character* begin = text.data();
   while (end > 0) {
     std::size_t at = end > BLOCK ? end - BLOCK : 0;
-    if (end - at == BLOCK && !_block_has_candidate(begin + at)) {
+    if (end - at == BLOCK && !_block_has_candidate(begin + at, scan)) {
       end = at;
       continue;
     }
@@ -113,7 +149,15 @@ int Needle::rfind(std::u32string_view text, int before) const {
   return -1;
 }
 
-int Needle::count(std::u32string_view text) const {
+int Needle::find(TextView text, int from) const {
+  return text.visit([&](auto characters) { return _find(characters, from); });
+}
+
+int Needle::rfind(TextView text, int before) const {
+  return text.visit([&](auto characters) { return _rfind(characters, before); });
+}
+
+int Needle::count(TextView text) const {
   int found = 0;
   for (int at = find(text, 0); at >= 0; at = find(text, at + length())) ++found;
   return found;
@@ -152,29 +196,30 @@ class MovedRuns {
 
 ReplacedLine replace_all(const Text& line, const SpanList& spans, const Needle& needle,
                          std::u32string_view replacement) {
-  std::u32string_view text = line;
-  ReplacedLine replaced;
-  replaced.count = needle.count(text);
-  if (replaced.count == 0) return {line, spans, 0};
+  TextView text = line;
+  int at = needle.find(text, 0);
+  if (at < 0) return {line, spans, 0};
 
-  auto count = static_cast<std::size_t>(replaced.count);
-  auto needle_length = static_cast<std::size_t>(needle.length());
-  std::size_t size = text.size() - count * needle_length + count * replacement.size();
+  ReplacedLine replaced;
   MovedRuns runs(spans);
-  replaced.line = Text::build(size, [&](char32_t* const out) {
-    char32_t* end = out;
-    int from = 0;
-    auto keep = [&](int to) {
-      if (!spans.empty()) runs.keep(from, to, static_cast<int>(end - out));
-      end = std::copy(text.begin() + from, text.begin() + to, end);
-    };
-    for (int at = needle.find(text, 0); at >= 0; at = needle.find(text, from)) {
-      keep(at);
-      end = std::copy(replacement.begin(), replacement.end(), end);
-      from = at + needle.length();
-    }
-    keep(static_cast<int>(text.size()));
-  });
+  static std::vector<TextView> parts;  // kept, so that a line costs one allocation
+  parts.clear();
+  int from = 0;
+  int size = 0;
+  auto keep = [&](int to) {
+    if (!spans.empty()) runs.keep(from, to, size);
+    parts.push_back(text.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)));
+    size += to - from;
+  };
+  for (; at >= 0; at = needle.find(text, from)) {
+    keep(at);
+    parts.emplace_back(replacement);
+    size += static_cast<int>(replacement.size());
+    from = at + needle.length();
+    ++replaced.count;
+  }
+  keep(text.length());
+  replaced.line = Text::joined(parts);
   // A line that became empty keeps no character, and so no format.
   if (size != 0) replaced.spans = runs.spans();
   return replaced;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "core/spans.h"
 #include "core/text.h"
@@ -16,27 +18,41 @@ class Needle {
   Needle(std::u32string_view term, bool case_insensitive);
 
   // The first occurrence that begins at or after `from` (below 0 counts as 0); -1 if there is none.
-  int find(std::u32string_view text, int from) const;
+  int find(TextView text, int from) const;
   // The last occurrence that lies within the first `before` characters; -1 if there is none.
-  int rfind(std::u32string_view text, int before) const;
-  bool in(std::u32string_view text) const { return find(text, 0) >= 0; }
+  int rfind(TextView text, int before) const;
   // How many occurrences there are from left to right that do not overlap.
-  int count(std::u32string_view text) const;
+  int count(TextView text) const;
+  bool in(TextView text) const { return find(text, 0) >= 0; }
   int length() const { return static_cast<int>(_term.size()); }
 
  private:
-  // The characters that may stand for one of the term; unused places repeat the first.
-  using Variants = std::array<char32_t, 3>;
-  bool _choose_variants(char32_t character, Variants& variants) const;
-  bool _block_has_candidate(const char32_t* block) const;
-  bool _matches(const char32_t* at) const;
+  // What is scanned for in a text of one width, as raw numbers: a place is looked at more closely where both
+  // the first and the last character of the term fit. Unused places repeat one that is used.
+  template <class Number>
+  struct Scan {
+    using Variants = std::array<Number, 3>;
+    Variants first{};
+    Variants last{};
+    bool possible = false;   // a text of this width can hold the term
+    bool scannable = false;  // `first` and `last` hold all variants
+  };
+  template <class Character>
+  using Raw = decltype(raw(Character{}));
+  template <class Character>
+  Scan<Raw<Character>> _prepared() const;
+  template <class Character>
+  bool _block_has_candidate(const Character* block, const Scan<Raw<Character>>& scan) const;
+  template <class Character>
+  bool _matches(const Character* at) const;
+  template <class Character>
+  int _find(std::span<const Character> text, int from) const;
+  template <class Character>
+  int _rfind(std::span<const Character> text, int before) const;
 
   std::u32string _term;  // lower-cased if case does not count
-  // A place is looked at more closely where both the first and the last character of the term fit.
-  Variants _first{};
-  Variants _last{};
-  bool _scannable = false;  // `_first` and `_last` hold all variants
   bool _case_insensitive;
+  std::tuple<Scan<unsigned char>, Scan<char16_t>, Scan<char32_t>> _scans;
 };
 
 struct ReplacedLine {

@@ -26,9 +26,10 @@ constexpr std::array _MARGIN_SIDES = {
 };
 
 // The whole number from 0 to 100 that the answer gives, a "%" behind it allowed; nothing for other texts.
-std::optional<int> percent_of(std::u32string_view answer) {
-  answer = trimmed(answer);
-  while (answer.ends_with(U'%')) answer = trimmed(answer.substr(0, answer.size() - 1));
+std::optional<int> percent_of(TextView typed) {
+  typed = trimmed(typed);
+  while (!typed.empty() && typed.back() == U'%') typed = trimmed(typed.substr(0, typed.size() - 1));
+  const std::u32string answer = typed.str();
   if (answer.empty()) return std::nullopt;
   int value = 0;
   for (char32_t digit : answer) {

@@ -93,7 +93,7 @@ std::vector<Character> plain(const DocumentTriple& document) {
   for (std::size_t ly = 0; ly < document.lines.size(); ++ly) {
     if (ly > 0) characters.push_back({U'\n', 0, document.pagebreak_lines.contains(static_cast<int>(ly))});
     int x = 0;
-    for (char32_t character : document.lines[ly].view())
+    for (char32_t character : document.lines[ly].view().str())
       characters.push_back({character, format_at(document.fmt_lines[ly], x++)});
   }
   return characters;

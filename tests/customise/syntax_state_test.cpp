@@ -32,7 +32,7 @@ std::vector<std::vector<SyntaxSpan>> kept(EditorSession& session) {
 std::vector<std::vector<SyntaxSpan>> computed_afresh(EditorSession& session) {
   std::vector<std::vector<SyntaxSpan>> spans;
   for (int ly = 0; ly < session->_line_count(); ++ly)
-    spans.push_back(_compute_syn_spans(session->_line(ly), session->_syn_rules, session->_fmt(ly)));
+    spans.push_back(_compute_syn_spans(session->_line(ly).view().str(), session->_syn_rules, session->_fmt(ly)));
   return spans;
 }
 

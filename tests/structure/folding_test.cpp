@@ -115,7 +115,7 @@ void delete_stretch(EditorSession& session, std::mt19937& random, std::vector<st
   int line = pick(random, 0, session->_line_count() - 1);
   session->_sel_anchor = {line, pick(random, 0, session->_line_length(line))};
   if (auto range = session->_sel_range())
-    for (int ly = range->sy; ly <= range->ey; ++ly) std::erase(stay, std::u32string(session->_line(ly).view()));
+    for (int ly = range->sy; ly <= range->ey; ++ly) std::erase(stay, session->_line(ly).view().str());
   session.press(KEY_DC);
 }
 

@@ -17,7 +17,7 @@ void filter(EditorSession& session, const std::string& typed) {
 IndexSet lines_without(EditorSession& session, const std::u32string& term) {
   std::vector<int> without;
   for (int ly = 0; ly < session->_line_count(); ++ly)
-    if (lowered(session->_line(ly).view()).find(lowered(term)) == std::u32string::npos) without.push_back(ly);
+    if (lowered(session->_line(ly)).find(lowered(term)) == std::u32string::npos) without.push_back(ly);
   return IndexSet::from_sorted(without);
 }
 

@@ -30,7 +30,7 @@ inline std::string random_outline(std::mt19937& random, int lines) {
 // The texts of the folded headers.
 inline std::vector<std::u32string> folded_texts(EditorSession& session) {
   std::vector<std::u32string> texts;
-  for (int ly : session->_folded_chapters) texts.emplace_back(session->_line(ly).view());
+  for (int ly : session->_folded_chapters) texts.push_back(session->_line(ly).view().str());
   return texts;
 }
 
