@@ -38,6 +38,7 @@ class Session {
     machine.files = config_files(_home.string());
     machine.tty = "/dev/null";
     machine.input = _slave;
+    machine.output = _slave;
     machine.search_path = "/nonexistent";
     _editor = std::make_unique<Editor>(::stdscr, std::nullopt, machine);
     _editor->_prepare_terminal();

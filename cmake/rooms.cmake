@@ -22,6 +22,7 @@ set(ROOM_SOURCES
     screen/geometry.cpp
     screen/help.cpp
     screen/overlay.cpp
+    screen/painter.cpp
     screen/prompts.cpp
     screen/screen_map.cpp
     screen/status_bar.cpp

@@ -26,6 +26,7 @@
 #include "customise/settings.h"
 #include "customise/syntax_rules.h"
 #include "screen/canvas.h"
+#include "screen/painter.h"
 #include "screen/screen_rows.h"
 #include "terminal/console_font.h"
 #include "terminal/font_control.h"
@@ -329,6 +330,7 @@ class Editor {
 
   // ---- drawing ------------------------------------------------------------ screen/drawing.cpp
   screen::Canvas _canvas;  // everything that is drawn; as large as the screen
+  screen::Painter _painter{_machine.output};
   void draw();
   void _draw_titlebar();
   void _draw_text();

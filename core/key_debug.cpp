@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -5,6 +7,7 @@
 
 #include "core/editor.h"
 #include "screen/curses.h"
+#include "screen/painter.h"
 
 namespace brenlow {
 
@@ -37,11 +40,12 @@ void run_key_debug(_win_st* screen) {
   ::keypad(screen, false);
   ::raw();
   screen::Canvas canvas;
+  screen::Painter painter(STDOUT_FILENO);
   canvas.reset(::getmaxy(screen), ::getmaxx(screen));
   canvas.put(0, 0, U"Key debug mode — press keys to see their byte sequences.");
   canvas.put(1, 0, U"Press Ctrl+C or Ctrl+D to quit.");
   canvas.put(2, 0, std::u32string(60, U'-'));
-  screen::refresh(screen, canvas);
+  painter.show(screen, canvas);
   for (int row = 3;; ++row) {
     errno = 0;
     int key = ::wgetch(screen);
@@ -58,14 +62,13 @@ void run_key_debug(_win_st* screen) {
       ::wtimeout(screen, -1);
     }
     if (row >= ::getmaxy(screen) - 1) {
-      ::werase(screen);
       canvas.reset(::getmaxy(screen), ::getmaxx(screen));
       canvas.put(0, 0, U"Key debug — Ctrl+C/D to quit:");
       row = 1;
     }
     auto width = static_cast<std::size_t>(std::max(::getmaxx(screen) - 1, 0));
     canvas.put(row, 0, std::u32string_view(described(codes)).substr(0, width));
-    screen::refresh(screen, canvas);
+    painter.show(screen, canvas);
   }
 }
 

@@ -19,6 +19,7 @@ struct Machine {
   std::vector<std::string> font_dirs;  // empty: FONT_DIRS
   std::string search_path;             // for external tools; empty: PATH
   int input = 0;                       // descriptor that keys are read from
+  int output = 1;                      // and that the screen is written to
 };
 
 }  // namespace brenlow

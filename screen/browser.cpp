@@ -133,7 +133,7 @@ void Browser::draw() {
   _editor._canvas.put_row(_editor.rows() - 1, footer(), width, {0, screen::PAIR_PROMPT});
   if (_allow_new_name) draw_filename();
   screen::show_cursor(_filename_focus);
-  screen::refresh(_editor.stdscr, _editor._canvas);
+  _editor._painter.show(_editor.stdscr, _editor._canvas);
 }
 
 std::optional<std::string> Browser::run() {

@@ -37,6 +37,7 @@ void Canvas::reset(int rows, int cols) {
   _cols = std::max(cols, 0);
   _drawn.assign(static_cast<std::size_t>(_rows) * static_cast<std::size_t>(_cols), Cell{});
   _shown = _drawn;
+  _reset = true;
   _cursor = {0, 0};
   _written_end = {-1, -1};
 }
@@ -51,7 +52,7 @@ void Canvas::put(int row, int column, TextView text, Style style) {
   text = text.substr(0, static_cast<std::size_t>(_cols - column));
   Cell* cell =
       &_drawn[static_cast<std::size_t>(row) * static_cast<std::size_t>(_cols) + static_cast<std::size_t>(column)];
-  std::uint64_t look = Cell::look(style);
+  std::uint64_t look = Cell::look_of(style);
   text.visit([&](auto characters) {
     // Plain text, which is most of it, in loops that the compiler can run on several cells at once.
     bool plain = true;

@@ -27,13 +27,15 @@ struct Cell {
   // none of their own low 16 bits), at bit 48 the colour pair.
   std::uint64_t bits = U' ';
 
-  static std::uint64_t look(Style style) {
+  static std::uint64_t look_of(Style style) {
     return static_cast<std::uint64_t>(style.attributes >> 16) << 32 | static_cast<std::uint64_t>(style.pair) << 48;
   }
   char32_t character() const { return static_cast<char32_t>(bits & 0x1FFFFF); }
   bool is(std::uint64_t flag) const { return (bits & flag) != 0; }
-  bool looks_like(const Cell& other) const { return bits >> 32 == other.bits >> 32; }
-  Style style() const { return {static_cast<std::uint32_t>(bits >> 32 & 0xFFFF) << 16, static_cast<int>(bits >> 48)}; }
+  std::uint64_t look() const { return bits & ~std::uint64_t{0xFFFFFFFF}; }
+  static Style style(std::uint64_t look) {
+    return {static_cast<std::uint32_t>(look >> 32 & 0xFFFF) << 16, static_cast<int>(look >> 48)};
+  }
   friend bool operator==(const Cell&, const Cell&) = default;
 };
 
@@ -43,8 +45,9 @@ class Canvas {
  public:
   int rows() const { return _rows; }
   int cols() const { return _cols; }
-  // Makes both pictures blank; the screen has to be blank then, too.
+  // Makes both pictures blank; the terminal's screen has to be cleared then, too.
   void reset(int rows, int cols);
+  bool take_reset() { return std::exchange(_reset, false); }  // whether reset was called since the last time
   void erase();
   // Writes text from a cell on. Every character takes the cells of plain print: controls and characters
   // that cannot be shown become one visible cell, a combining mark stands alone. What falls off the screen is
@@ -64,6 +67,7 @@ class Canvas {
   void _show_row(int row, const std::function<void(int, int, std::span<const Cell>)>& emit);
 
   int _rows = 0, _cols = 0;
+  bool _reset = false;
   std::vector<Cell> _drawn, _shown;
   std::pair<int, int> _cursor{0, 0};
   std::pair<int, int> _written_end{-1, -1};  // the cell behind the last one that put wrote

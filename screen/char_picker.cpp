@@ -48,7 +48,7 @@ void Editor::do_unicode_picker() {
                          unicode_count_text(matches.size(), !trimmed(filter).empty()) + scroll_hint(top, last_top);
     _canvas.put_row(rows() - 1, decode_utf8(footer), cols(), {0, screen::PAIR_PROMPT});
     _canvas.place_cursor(1, std::min(static_cast<int>(filter_row.size()) - 1, cols() - 1));
-    screen::refresh(stdscr, _canvas);
+    _painter.show(stdscr, _canvas);
 
     int key = _getch_key();
     if (key == KEY_ESC || key == 10 || key == 13) return;

@@ -40,8 +40,6 @@ inline constexpr int PAIR_SELECTED = 3;   // selected row of the file browser
 inline constexpr int PAIR_RULE = 4;       // page-break and end rows
 inline constexpr int PAIR_HIGHLIGHT = 5;  // search matches
 
-// Brings what the canvas holds on to the screen. Nothing else writes to the window.
-void refresh(WINDOW* window, Canvas& canvas);
 void show_cursor(bool visible);
 
 // Keypad translation off, raw mode on, line-ending translation off.

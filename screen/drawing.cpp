@@ -79,7 +79,7 @@ void Editor::draw() {
   _draw_text();
   if (_status_bar_shown()) _draw_statusbar();
   _place_cursor();
-  screen::refresh(stdscr, _canvas);
+  _painter.show(stdscr, _canvas);
 }
 
 void Editor::_draw_titlebar() {

@@ -47,7 +47,7 @@ int Editor::_overlay_scroll(const std::string& title, const std::vector<std::str
       _canvas.put(row + 1, 1, text.substr(0, static_cast<std::size_t>(width)));
     }
     _canvas.put_row(rows() - 1, decode_utf8(footer(_overlay_top, last_top)), cols(), {0, screen::PAIR_PROMPT});
-    screen::refresh(stdscr, _canvas);
+    _painter.show(stdscr, _canvas);
 
     int key = _getch_key();
     switch (key) {

@@ -36,7 +36,7 @@ void Editor::_draw_prompt_bar(std::u32string_view prompt, std::u32string_view bu
   _canvas.put(rows() - 1, 0, text, {A_NORMAL, screen::PAIR_PROMPT});
   int column = std::min(cols() - 1, static_cast<int>(prompt.size()) + 1 + pos);
   draw_prompt_cursor(_canvas, rows() - 1, column, text, column);
-  screen::refresh(stdscr, _canvas);
+  _painter.show(stdscr, _canvas);
 }
 
 std::optional<std::u32string> Editor::_prompt(const std::string& prompt, std::u32string_view prefill,
@@ -88,7 +88,7 @@ void Editor::_draw_mid_box(int y, int x, int width, std::u32string_view prompt, 
     _canvas.put(y + row, x, row == 1 ? middle : border, {A_NORMAL, screen::PAIR_PROMPT});
   int column = std::min(cols() - 1, x + 1 + label + pos);
   draw_prompt_cursor(_canvas, y + 1, column, middle, column - x);
-  screen::refresh(stdscr, _canvas);
+  _painter.show(stdscr, _canvas);
 }
 
 std::optional<std::u32string> Editor::_mid_prompt(const std::string& prompt, std::optional<std::size_t> max_chars,
@@ -135,7 +135,7 @@ void Editor::_mid_notice(const std::string& text) {
     _canvas.put(y, x, border, {A_NORMAL, screen::PAIR_PROMPT});
     _canvas.put(y + 1, x, U" " + screen::padded(content, width - 2) + U" ", {A_NORMAL, screen::PAIR_PROMPT});
     _canvas.put(y + 2, x, border, {A_NORMAL, screen::PAIR_PROMPT});
-    screen::refresh(stdscr, _canvas);
+    _painter.show(stdscr, _canvas);
     key = _getch_key();
   } while (key == KEY_RESIZE);
 }

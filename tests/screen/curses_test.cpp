@@ -14,7 +14,7 @@ using test::EditorSession;
 std::vector<std::string> cells_of(EditorSession& session, std::u32string_view text) {
   session->_canvas.erase();
   session->_canvas.put(0, 0, text);
-  screen::refresh(session->stdscr, session->_canvas);
+  session->_painter.show(session->stdscr, session->_canvas);
   const test::TerminalScreen& shown = session.screen();
   std::vector<std::string> cells;
   for (int x = 0; x < static_cast<int>(text.size()); ++x) cells.push_back(shown.cell(0, x).text);
@@ -41,7 +41,7 @@ TEST(Curses, NoCharacterSpillsIntoTheCellsAroundIt) {
     if ((c >= 0xD800 && c < 0xE000) || width == 0 || width == 2) continue;
     session->_canvas.erase();
     session->_canvas.put(1, 0, std::u32string(U"[") + c + U"]");
-    screen::refresh(session->stdscr, session->_canvas);
+    session->_painter.show(session->stdscr, session->_canvas);
     const test::TerminalScreen& shown = session.screen();
     std::u32string row = decode_utf8(shown.row(1));
     ASSERT_TRUE(row.size() == 3 && row[0] == U'[' && row[2] == U']') << std::hex << +c << " " << shown.row(1);
@@ -61,14 +61,14 @@ TEST(Curses, WhatFallsOffTheScreenIsDropped) {
   canvas.place_cursor(1, 2);
   for (auto [row, column] : {std::pair(-1, 0), std::pair(3, 0), std::pair(0, -1), std::pair(0, 6)})
     canvas.place_cursor(row, column);
-  screen::refresh(session->stdscr, canvas);
+  session->_painter.show(session->stdscr, canvas);
   EXPECT_EQ(session.screen().all_rows(), (std::vector<std::string>{"", "    ab", "corner"}));
   EXPECT_EQ(session.screen().cursor_row(), 1);
   EXPECT_EQ(session.screen().cursor_col(), 2);
   canvas.put_row(0, U"longer than the row", 6, {A_BOLD, screen::PAIR_BAR});
   canvas.put_row(1, U"a", 3, {A_NORMAL, screen::PAIR_PROMPT});
   canvas.put_row(2, U"x", -1, {});
-  screen::refresh(session->stdscr, canvas);
+  session->_painter.show(session->stdscr, canvas);
   EXPECT_EQ(session.screen().all_rows(), (std::vector<std::string>{"longer", "a   ab", "corner"}));
   EXPECT_EQ(session.screen().attributes(0), "bbbbbb");
   EXPECT_EQ(session.screen().cell(0, 5).bg, 7);

@@ -194,6 +194,7 @@ EditorSession::EditorSession(const SessionOptions& options) {
   machine.font_dirs = {_home.folder("fonts")};
   machine.search_path = _home.folder("bin");
   machine.input = _terminal->input();
+  machine.output = _terminal->input();
   std::optional<std::string> path = options.path;
   if (path) path = (_home.path() / *path).string();
   Terminal::Guard guard(*_terminal);

@@ -1,0 +1,146 @@
+#include "screen/painter.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cwchar>
+
+#include "screen/curses.h"
+// The names of the terminal's capabilities are macros; they end with this file.
+#include <term.h>
+
+namespace brenlow::screen {
+
+namespace {
+
+// A run of blanks up to the right edge that is at least this long is erased instead of written.
+constexpr std::ptrdiff_t ERASED_RUN = 4;
+
+// The library hands its sequences out byte by byte.
+std::string* collected = nullptr;
+int collect(int byte) {
+  collected->push_back(static_cast<char>(byte));
+  return byte;
+}
+
+std::string capability(const char* sequence) {
+  std::string bytes;
+  if (!sequence) return bytes;
+  collected = &bytes;
+  ::tputs(sequence, 1, collect);
+  return bytes;
+}
+
+bool is_plain_blank(const Cell& cell) { return (cell.bits & ~std::uint64_t{Cell::ANCHOR}) == U' '; }
+
+}  // namespace
+
+void Painter::show(_win_st* window, Canvas& canvas) {
+  bool cleared = canvas.take_reset();
+  if (!_started) {
+    ::wrefresh(window);  // the library sets up the terminal, and its screen is blank
+    _started = true;
+  } else if (cleared) {
+    _clear_screen();
+  }
+  if (cleared) _cursor = {-1, -1};
+  _rows = canvas.rows();
+  _cols = canvas.cols();
+  canvas.show([this](int row, int column, std::span<const Cell> cells) { _stretch(row, column, cells); });
+  if (_frame.empty() && canvas.cursor() == _cursor) return;
+  _set_look(0);
+  _move(canvas.cursor().first, canvas.cursor().second);
+  _cursor = canvas.cursor();
+  _write();
+}
+
+void Painter::_clear_screen() {
+  _set_look(0);
+  _frame += capability(clear_screen);
+}
+
+void Painter::_stretch(int row, int column, std::span<const Cell> cells) {
+  int room = _cols - column;
+  // Where the cursor cannot rest behind the last column, its cell in the last row would scroll the screen.
+  if (row == _rows - 1 && auto_right_margin && !eat_newline_glitch) --room;
+  auto written = cells.end();
+  if (column + static_cast<int>(cells.size()) == _cols && clr_eol) {
+    while (written != cells.begin() && is_plain_blank(*(written - 1))) --written;
+    if (cells.end() - written < ERASED_RUN) written = cells.end();
+  }
+  _move(row, column);
+  for (auto cell = cells.begin(); cell != written; ++cell) {
+    room -= cell->is(Cell::WIDE) ? 2 : 1;
+    if (room < 0) return;  // pushed off the screen by wide characters
+    if (cell->look() != _current) _set_look(cell->look());
+    _character(*cell);
+  }
+  if (written == cells.end() || room <= 0) return;
+  _set_look(0);
+  _frame += clr_eol;
+}
+
+void Painter::_move(int row, int column) {
+  if (const char* sequence = ::tiparm(cursor_address, row, column)) _frame += sequence;
+}
+
+void Painter::_character(const Cell& cell) {
+  char32_t character = cell.character();
+  if (cell.is(Cell::COMBINING)) _frame += ' ';
+  if (character < 0x80) {
+    _frame += static_cast<char>(character);
+    return;
+  }
+  std::array<char, MB_LEN_MAX> bytes;
+  std::mbstate_t state{};
+  std::size_t count = std::wcrtomb(bytes.data(), static_cast<wchar_t>(character), &state);
+  if (count == static_cast<std::size_t>(-1))
+    _frame += '?';  // the locale's encoding has no such character
+  else
+    _frame.append(bytes.data(), count);
+}
+
+void Painter::_set_look(std::uint64_t look) {
+  if (look == _current) return;
+  auto [known, is_new] = _looks.try_emplace(look);
+  if (is_new) known->second = _sequence_for(look);
+  _frame += known->second;
+  _current = look;
+}
+
+// Ends whatever is set and begins the look. The library, which keeps book of what it has set, is left with
+// nothing set.
+std::string Painter::_sequence_for(std::uint64_t look) {
+  std::string sequence = capability(orig_pair) + capability(exit_attribute_mode);
+  if (look == 0) return sequence;
+  Style style = Cell::style(look);
+  collected = &sequence;
+  ::vid_puts(style.attributes, static_cast<short>(style.pair), &style.pair, collect);
+  std::string ended;
+  int no_pair = 0;
+  collected = &ended;
+  ::vid_puts(A_NORMAL, 0, &no_pair, collect);
+  return sequence;
+}
+
+void Painter::_write() {
+  std::string_view rest = _frame;
+  while (!rest.empty()) {
+    ssize_t count = ::write(_output, rest.data(), rest.size());
+    if (count > 0) {
+      rest.remove_prefix(static_cast<std::size_t>(count));
+    } else if (errno == EAGAIN) {
+      ::pollfd waiting{_output, POLLOUT, 0};
+      ::poll(&waiting, 1, -1);
+    } else if (errno != EINTR) {
+      break;
+    }
+  }
+  _frame.clear();
+}
+
+}  // namespace brenlow::screen
