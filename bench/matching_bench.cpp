@@ -58,9 +58,11 @@ void over_the_novel(benchmark::State& state, PerLine&& per_line) {
 
 void plain_pass(benchmark::State& state) {
   over_the_novel(state, [](const Text& line) {
-    std::size_t count = 0;
-    for (char32_t c : line.view()) count += c == U'q';
-    return count;
+    return line.view().visit([](auto characters) {
+      std::size_t count = 0;
+      for (auto c : characters) count += raw(c) == 'q';
+      return count;
+    });
   });
 }
 BENCHMARK(plain_pass)->Unit(benchmark::kMillisecond);
@@ -85,7 +87,7 @@ BENCHMARK(count_common_word)->Unit(benchmark::kMillisecond);
 
 void markdown_colours(benchmark::State& state) {
   const SyntaxRules rules = parse_syntax_rules(default_syntax_config("md"));
-  over_the_novel(state, [&](const Text& line) { return _compute_syn_spans(line, rules, {}).size(); });
+  over_the_novel(state, [&](const Text& line) { return _compute_syn_spans(line.view().str(), rules, {}).size(); });
 }
 BENCHMARK(markdown_colours)->Unit(benchmark::kMillisecond);
 
