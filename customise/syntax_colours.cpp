@@ -40,8 +40,10 @@ bool define_rgb(int number, const StyleSpec& style, const std::string& tty) {
   if (COLORS >= DIRECT_COLORS) return define_pair(number, direct_color(style));
   if (number < COLORS && ::can_change_color() &&
       ::init_extended_color(number, thousandths(style.r), thousandths(style.g), thousandths(style.b)) != ERR &&
-      define_pair(number, number))
+      define_pair(number, number)) {
+    ::doupdate();  // nothing to draw: sends what the library has buffered, which defines the colour
     return true;
+  }
   if (number < COLORS && _send_osc4_color(number, style.r, style.g, style.b, tty) && define_pair(number, number))
     return true;
   return define_pair(number, _nearest_named_color(style.r, style.g, style.b));
