@@ -98,7 +98,8 @@ void draw_row(std::string& svg, const Frame& frame, int y) {
     std::string text;
     while (end < width && look_of(frame, y, end) == look && (gap ? blank(end) : !(blank(end) && blank(end + 1))))
       text += cells[static_cast<std::size_t>(end++)].text;
-    if (!gap) draw_text(svg, y, begin, end, text, look);
+    const bool trailing = text.ends_with(' ');  // browsers drop it, and stretch the rest
+    if (!gap) draw_text(svg, y, begin, end - trailing, trailing ? text.substr(0, text.size() - 1) : text, look);
   }
 }
 
@@ -140,7 +141,7 @@ std::string svg_picture(const Frame& frame, std::string_view title) {
                     "</title>\n<rect width=\"100%\" height=\"100%\" rx=\"8\" fill=\"" + std::string(GROUND) +
                     "\"/>\n<g font-family=\"'DejaVu Sans Mono', Menlo, Consolas, 'Liberation Mono', monospace\" "
                     "font-size=\"" +
-                    number(FONT_SIZE) + "\" shape-rendering=\"crispEdges\" xml:space=\"preserve\">\n";
+                    number(FONT_SIZE) + "\" shape-rendering=\"crispEdges\">\n";
   for (int y = 0; y < rows; ++y) draw_row(svg, frame, y);
   return svg + "</g>\n</svg>\n";
 }
