@@ -157,8 +157,8 @@ void Editor::_insert_many_parts(const std::vector<std::u32string_view>& parts, b
   }
 
   int added = static_cast<int>(count) - 1;
-  splice(lines, cy, 1, std::move(new_lines));
-  splice(fmt_lines, cy, 1, std::move(new_fmt));
+  lines.splice(static_cast<std::size_t>(cy), 1, std::move(new_lines));
+  fmt_lines.splice(static_cast<std::size_t>(cy), 1, std::move(new_fmt));
   pagebreak_lines.shift(cy + 1, added);
   if (rich) {
     IndexSet breaks = _internal_clipboard_pbl;

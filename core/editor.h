@@ -86,8 +86,8 @@ class Editor {
   Machine _machine;
   _win_st* stdscr;                      // the full-screen window
   std::optional<std::string> filepath;  // absent: unnamed
-  std::vector<Text> lines{Text()};
-  std::vector<SpanList> fmt_lines{SpanList()};
+  LineList lines{Text()};
+  FormatList fmt_lines{SpanList()};
   IndexSet pagebreak_lines;         // lines that begin a new page
   int cx = 0, cy = 0;               // cursor: character in the line, line
   int scroll_y = 0;                 // first visible row of the screen map
@@ -285,7 +285,7 @@ class Editor {
     bool computed = false;
   };
   SyntaxRules _syn_rules;
-  std::vector<SyntaxLine> _syn_lines{1};
+  GapList<SyntaxLine> _syn_lines{SyntaxLine()};
   bool _syn_dirty = false;  // all lines must be computed anew
   void _load_syntax(std::string_view extension);
   void _compute_syn_lines();
@@ -311,20 +311,20 @@ class Editor {
 
   // ---- screen map ----------------------------------------------------- screen/screen_map.cpp
   // One entry per displayed text row; edits patch it, everything else marks it dirty.
-  std::vector<MapEntry> _screen_map;                 // sorted by (ly, start); page breaks are not entries
-  std::vector<int> _sm_lines;                        // rows of each line; its chunks begin at its line start. 0: hidden
-  std::vector<int> _sm_line_starts;                  // index of each line's first row; of a hidden line the next row's
-  std::vector<int> _sep_prefix{0};                   // size + 1; page-break rows standing before entry i
+  ScreenMap _screen_map;                             // sorted by (ly, start); page breaks are not entries
+  GapList<int> _sm_lines;                            // rows of each line; its chunks begin at its line start. 0: hidden
+  PlaceList _sm_line_starts;                         // index of each line's first row; of a hidden line the next row's
+  PlaceList _sep_prefix{0};                          // size + 1; page-break rows standing before entry i
   bool _map_dirty = true;                            // set by _invalidate_map, cleared by a build
   int _map_cache_cols = -1, _map_cache_nlines = -1;  // what the map was built for
-  const std::vector<MapEntry>& _build_screen_map();  // costs nothing while clean
+  const ScreenMap& _build_screen_map();              // costs nothing while clean
   void _update_map_lines(int lo, int hi_old, int new_count);  // after `lines` and `pagebreak_lines` changed
   void _invalidate_map();
   void _rebuild_sep_prefix();
   void _splice_sep_prefix(int first, int old_rows, int new_rows);
   bool _has_separator(const MapEntry& entry) const;
-  int _logical_to_screen_row(int ly, int column, const std::vector<MapEntry>& screen_map) const;
-  int _count_separators(const std::vector<MapEntry>& screen_map, int first, int end) const;
+  int _logical_to_screen_row(int ly, int column, const ScreenMap& screen_map) const;
+  int _count_separators(const ScreenMap& screen_map, int first, int end) const;
   TextView _row_text(const MapEntry& entry, std::u32string& composed) const;
   bool _is_list_continuation(const MapEntry& entry) const;
 

@@ -57,16 +57,16 @@ void Editor::_split_line(int ly, int col) {
   Text lower_part(text.substr(at));
   SplitSpans spans = _fmt_split_line(ly, col);
   _set_line(ly, std::move(upper));
-  lines.insert(lines.begin() + ly + 1, std::move(lower_part));
+  lines.insert(static_cast<std::size_t>(ly + 1), std::move(lower_part));
   _fmt(ly) = std::move(spans.left);
-  fmt_lines.insert(fmt_lines.begin() + ly + 1, std::move(spans.right));
+  fmt_lines.insert(static_cast<std::size_t>(ly + 1), std::move(spans.right));
   pagebreak_lines.shift(ly + 1, 1);
   _shift_folded_chapters(col == 0 ? ly : ly + 1, 1);
 }
 
 void Editor::_remove_line(int ly) {
-  lines.erase(lines.begin() + ly);
-  fmt_lines.erase(fmt_lines.begin() + ly);
+  lines.erase(static_cast<std::size_t>(ly), 1);
+  fmt_lines.erase(static_cast<std::size_t>(ly), 1);
   pagebreak_lines.erase(ly);
   pagebreak_lines.shift(ly + 1, -1);
 }
@@ -113,8 +113,8 @@ void Editor::insert_pagebreak() {
       pagebreak_lines.insert(cy);
       ++cy;
       if (cy == _line_count()) {
-        lines.emplace_back();
-        fmt_lines.emplace_back();
+        lines.push_back({});
+        fmt_lines.push_back({});
         _lines_replaced(cy, cy, 1);
       }
       _lines_replaced(old, old + 1, 1);

@@ -85,14 +85,14 @@ void Editor::_within_shown_lines(int direction, const std::function<void()>& mot
 
 // Moves by displayed rows to the remembered column; `within_row` keeps the cursor inside the row's text.
 void Editor::_move_rows(int rows_down, bool within_row) {
-  const std::vector<MapEntry>& map = _build_screen_map();
+  const ScreenMap& map = _build_screen_map();
   if (map.empty()) return;
   int last = static_cast<int>(map.size()) - 1;
   int row = _logical_to_screen_row(cy, cx, map);
   int target = std::clamp(row + rows_down, 0, last);
   if (target == row) return;
   if (!_preferred_col) _preferred_col = cx - map[static_cast<std::size_t>(row)].start;
-  const MapEntry& entry = map[static_cast<std::size_t>(target)];
+  const MapEntry entry = map[static_cast<std::size_t>(target)];
   cy = entry.ly;
   cx = std::min(entry.start + *_preferred_col, _line_length(cy));
   if (within_row) cx = std::min(cx, entry.start + entry.length);

@@ -78,10 +78,10 @@ void Editor::_delete_selection() {
     _fmt(range.sy) = spans_appended(head, tail, range.sx);
   }
   _set_line(range.sy, std::move(text));
-  lines.erase(lines.begin() + range.sy + 1, lines.begin() + range.ey + 1);
-  fmt_lines.erase(fmt_lines.begin() + range.sy + 1, fmt_lines.begin() + range.ey + 1);
-
   int removed = range.ey - range.sy;
+  lines.erase(static_cast<std::size_t>(range.sy + 1), static_cast<std::size_t>(removed));
+  fmt_lines.erase(static_cast<std::size_t>(range.sy + 1), static_cast<std::size_t>(removed));
+
   pagebreak_lines.erase_range(range.sy + 1, range.ey);
   pagebreak_lines.shift(range.ey + 1, -removed);
   _shift_folded_chapters(range.sy + 1, -removed);

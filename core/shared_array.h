@@ -26,13 +26,14 @@ class SharedArray {
     if (_block) ++_block->references;
   }
   SharedArray(SharedArray&& other) noexcept : _block(std::exchange(other._block, nullptr)) {}
-  SharedArray& operator=(SharedArray other) noexcept {
-    std::swap(_block, other._block);
+  SharedArray& operator=(const SharedArray& other) noexcept { return *this = SharedArray(other); }
+  SharedArray& operator=(SharedArray&& other) noexcept {
+    Block* taken = std::exchange(other._block, nullptr);
+    _release();
+    _block = taken;
     return *this;
   }
-  ~SharedArray() {
-    if (_block && --_block->references == 0) ::operator delete(_block);
-  }
+  ~SharedArray() { _release(); }
 
   // Makes an array of `size` values and lets `fill(T*)` write every one of them.
   template <class Fill>
@@ -65,6 +66,9 @@ class SharedArray {
   }
 
  private:
+  void _release() {
+    if (_block && --_block->references == 0) ::operator delete(_block);
+  }
   struct alignas(alignof(T) > alignof(std::uint32_t) ? alignof(T) : alignof(std::uint32_t)) Block {
     std::uint32_t references;
     std::uint32_t size;

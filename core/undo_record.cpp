@@ -131,8 +131,8 @@ std::pair<Text, SpanList> rebuilt_line(const UndoRecord& r, const Text& present,
 
 }  // namespace
 
-UndoRecord open_record(const std::vector<Text>& lines, const std::vector<SpanList>& fmt_lines,
-                       const IndexSet& pagebreaks, int lo, int hi_old) {
+UndoRecord open_record(const LineList& lines, const FormatList& fmt_lines, const IndexSet& pagebreaks, int lo,
+                       int hi_old) {
   UndoRecord r;
   r.lo = lo;
   r.old_count = hi_old - lo;
@@ -142,8 +142,8 @@ UndoRecord open_record(const std::vector<Text>& lines, const std::vector<SpanLis
   return r;
 }
 
-void finish_record(UndoRecord& r, const std::vector<Text>& lines, const std::vector<SpanList>& fmt_lines,
-                   const IndexSet& pagebreaks, int hi_new) {
+void finish_record(UndoRecord& r, const LineList& lines, const FormatList& fmt_lines, const IndexSet& pagebreaks,
+                   int hi_new) {
   r.new_count = hi_new - r.lo;
   r.new_pbl = pagebreaks;
   r.new_lines.assign(lines.begin() + r.lo, lines.begin() + hi_new);
@@ -155,8 +155,7 @@ void finish_record(UndoRecord& r, const std::vector<Text>& lines, const std::vec
   r.finished = true;
 }
 
-void apply_record(const UndoRecord& r, bool forward, std::vector<Text>& lines, std::vector<SpanList>& fmt_lines,
-                  IndexSet& pagebreaks) {
+void apply_record(const UndoRecord& r, bool forward, LineList& lines, FormatList& fmt_lines, IndexSet& pagebreaks) {
   const std::vector<Text>& install = forward ? r.new_lines : r.old_lines;
   const std::vector<SpanList>& install_fmt = forward ? r.new_fmt : r.old_fmt;
   pagebreaks = forward ? r.new_pbl : r.old_pbl;
@@ -173,8 +172,9 @@ void apply_record(const UndoRecord& r, bool forward, std::vector<Text>& lines, s
       auto from = list.begin() + static_cast<long>(taken);
       return std::vector(from, from + added);
     };
-    splice(lines, run.line, removed, slice(install));
-    splice(fmt_lines, run.line, removed, slice(install_fmt));
+    auto at = static_cast<std::size_t>(run.line);
+    lines.splice(at, static_cast<std::size_t>(removed), slice(install));
+    fmt_lines.splice(at, static_cast<std::size_t>(removed), slice(install_fmt));
     taken += static_cast<std::size_t>(added);
   }
 }

@@ -40,28 +40,15 @@ struct UndoRecord {
 };
 
 // Opens a record over the lines from `lo` up to, not including, `hi_old`.
-UndoRecord open_record(const std::vector<Text>& lines, const std::vector<SpanList>& fmt_lines,
-                       const IndexSet& pagebreaks, int lo, int hi_old);
+UndoRecord open_record(const LineList& lines, const FormatList& fmt_lines, const IndexSet& pagebreaks, int lo,
+                       int hi_old);
 
 // Finishes it with what stands now in the lines up to, not including, `hi_new`.
-void finish_record(UndoRecord& record, const std::vector<Text>& lines, const std::vector<SpanList>& fmt_lines,
-                   const IndexSet& pagebreaks, int hi_new);
+void finish_record(UndoRecord& record, const LineList& lines, const FormatList& fmt_lines, const IndexSet& pagebreaks,
+                   int hi_new);
 
 // Puts the lines of one side of a finished record into the document, which must be in the state of the
 // other side.
-void apply_record(const UndoRecord& record, bool forward, std::vector<Text>& lines, std::vector<SpanList>& fmt_lines,
-                  IndexSet& pagebreaks);
-
-// Replaces `removed` elements at `at` by `added`; the tail moves once.
-template <class T>
-void splice(std::vector<T>& list, int at, int removed, std::vector<T> added) {
-  auto place = list.begin() + at;
-  int common = std::min(removed, static_cast<int>(added.size()));
-  std::move(added.begin(), added.begin() + common, place);
-  if (common < removed)
-    list.erase(place + common, place + removed);
-  else
-    list.insert(place + common, std::make_move_iterator(added.begin() + common), std::make_move_iterator(added.end()));
-}
+void apply_record(const UndoRecord& record, bool forward, LineList& lines, FormatList& fmt_lines, IndexSet& pagebreaks);
 
 }  // namespace brenlow

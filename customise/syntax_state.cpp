@@ -29,7 +29,8 @@ void Editor::_recompute_syn_range(int lo, int hi_old, int new_count) {
     _syn_dirty = true;
     return;
   }
-  splice(_syn_lines, lo, hi_old - lo, std::vector<SyntaxLine>(static_cast<std::size_t>(new_count)));
+  _syn_lines.splice(static_cast<std::size_t>(lo), static_cast<std::size_t>(hi_old - lo),
+                    std::vector<SyntaxLine>(static_cast<std::size_t>(new_count)));
 }
 
 }  // namespace brenlow

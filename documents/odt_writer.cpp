@@ -79,8 +79,7 @@ void check_readable(const std::string& content) {
   if (tags * 2 > MAX_XML_NODES / 4 * 3) throw Failure("too many paragraphs for an .odt file");
 }
 
-std::string paragraphs(const std::vector<Text>& lines, const std::vector<SpanList>& fmt_lines,
-                       const IndexSet& pagebreak_lines) {
+std::string paragraphs(const LineList& lines, const FormatList& fmt_lines, const IndexSet& pagebreak_lines) {
   std::size_t characters = 0;
   for (const Text& line : lines) characters += line.size();
   std::string out;
@@ -127,9 +126,8 @@ std::optional<PackageReader> open_old(const std::optional<std::string>& source_p
 
 }  // namespace
 
-void lines_to_odt(const std::vector<Text>& lines, const std::string& path,
-                  const std::optional<std::string>& source_path, const std::vector<SpanList>& fmt_lines,
-                  const IndexSet& pagebreak_lines) {
+void lines_to_odt(const LineList& lines, const std::string& path, const std::optional<std::string>& source_path,
+                  const FormatList& fmt_lines, const IndexSet& pagebreak_lines) {
   std::optional<PackageReader> old = open_old(source_path);
   bool with_spans =
       std::any_of(fmt_lines.begin(), fmt_lines.end(), [](const SpanList& spans) { return !spans.empty(); });

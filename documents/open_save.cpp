@@ -246,8 +246,8 @@ void Editor::_insert_triple(const DocumentTriple& loaded) {
   new_fmt.back() = spans_appended(new_fmt.back(), split.right, inserted_end);
 
   int added = static_cast<int>(new_lines.size()) - 1;
-  splice(lines, cy, 1, std::move(new_lines));
-  splice(fmt_lines, cy, 1, std::move(new_fmt));
+  lines.splice(static_cast<std::size_t>(cy), 1, std::move(new_lines));
+  fmt_lines.splice(static_cast<std::size_t>(cy), 1, std::move(new_fmt));
   pagebreak_lines.erase(cy);
   pagebreak_lines.shift(cy + 1, added);
   IndexSet breaks = loaded.pagebreak_lines;

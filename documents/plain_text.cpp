@@ -105,7 +105,7 @@ DocumentTriple txt_to_lines(const std::string& path) {
   return document;
 }
 
-void lines_to_txt(const std::vector<Text>& lines, const std::string& path) {
+void lines_to_txt(const LineList& lines, const std::string& path) {
   std::size_t characters = lines.size();
   for (const Text& line : lines) characters += line.size();
   std::string bytes;

@@ -15,6 +15,6 @@ bool is_plain_text_extension(std::string_view extension);
 // become U+FFFD. Throws Failure.
 DocumentTriple txt_to_lines(const std::string& path);
 // Writes the lines as UTF-8, divided by "\n", none behind the last. Throws Failure.
-void lines_to_txt(const std::vector<Text>& lines, const std::string& path);
+void lines_to_txt(const LineList& lines, const std::string& path);
 
 }  // namespace brenlow

@@ -96,7 +96,7 @@ void Editor::_draw_titlebar() {
 }
 
 void Editor::_draw_text() {
-  const std::vector<MapEntry>& map = _build_screen_map();
+  const ScreenMap& map = _build_screen_map();
   int map_size = static_cast<int>(map.size());
   int first = scroll_y;
   int row = 0;
@@ -105,7 +105,7 @@ void Editor::_draw_text() {
     int cursor_row = _logical_to_screen_row(cy, cx, map);
     row = std::max(edit_rows() - 2, 0) - (cursor_row - scroll_y) - _count_separators(map, scroll_y, cursor_row + 1);
     for (; row < 0 && first < map_size; ++row, ++first) {
-      const MapEntry& entry = map[static_cast<std::size_t>(first)];
+      const MapEntry entry = map[static_cast<std::size_t>(first)];
       if (entry.start == 0 && pagebreak_lines.contains(entry.ly) && ++row >= 0) break;
     }
     limit = edit_rows() + 1;
@@ -116,7 +116,7 @@ void Editor::_draw_text() {
       if (first == map_size) _draw_rule_row(row, U"End ──");
       continue;
     }
-    const MapEntry& entry = map[static_cast<std::size_t>(first)];
+    const MapEntry entry = map[static_cast<std::size_t>(first)];
     if (_has_separator(entry)) {
       _draw_rule_row(row, U"Page Break ──");
       if (++row >= limit) break;

@@ -25,7 +25,7 @@ void append_rows(std::vector<MapEntry>& rows, int ly, TextView text, int width, 
 
 }  // namespace
 
-const std::vector<MapEntry>& Editor::_build_screen_map() {
+const ScreenMap& Editor::_build_screen_map() {
   int columns = std::max(cols(), 1);
   if (!_map_dirty && _map_cache_cols == columns && _map_cache_nlines == _line_count() && !_screen_map.empty())
     return _screen_map;
@@ -35,24 +35,28 @@ const std::vector<MapEntry>& Editor::_build_screen_map() {
   if (!_folded_chapters.empty()) hidden = hidden_by_folds(lines, _folded_chapters, _fold_hierarchical);
   const int* filtered = _kgrep_folds.begin();
 
-  _screen_map.clear();
-  _sm_lines.clear();
-  _sm_line_starts.clear();
-  _sm_lines.reserve(lines.size());
-  _sm_line_starts.reserve(lines.size());
+  std::vector<MapEntry> rows;
+  std::vector<int> counts;
+  std::vector<int> starts;
+  rows.reserve(std::max(lines.size(), _screen_map.size()));
+  counts.reserve(lines.size());
+  starts.reserve(lines.size());
   std::vector<Chunk> scratch;
   for (int ly = 0; ly < _line_count(); ++ly) {
-    int first = static_cast<int>(_screen_map.size());
-    _sm_line_starts.push_back(first);
+    int first = static_cast<int>(rows.size());
+    starts.push_back(first);
     while (filtered != _kgrep_folds.end() && *filtered < ly) ++filtered;
     bool shown = (hidden.empty() || !hidden[static_cast<std::size_t>(ly)]) &&
                  (filtered == _kgrep_folds.end() || *filtered != ly);
     if (shown && _folded_chapters.contains(ly))
-      _screen_map.push_back({ly, 0, width});
+      rows.push_back({ly, 0, width});
     else if (shown)
-      append_rows(_screen_map, ly, _line(ly), width, scratch);
-    _sm_lines.push_back(static_cast<int>(_screen_map.size()) - first);
+      append_rows(rows, ly, _line(ly), width, scratch);
+    counts.push_back(static_cast<int>(rows.size()) - first);
   }
+  _screen_map = std::move(rows);
+  _sm_lines = std::move(counts);
+  _sm_line_starts = std::move(starts);
   _map_cache_cols = columns;
   _map_cache_nlines = _line_count();
   _map_dirty = false;
@@ -65,10 +69,11 @@ bool Editor::_has_separator(const MapEntry& entry) const {
 }
 
 void Editor::_rebuild_sep_prefix() {
-  _sep_prefix.assign(_screen_map.size() + 1, 0);
-  if (pagebreak_lines.empty()) return;
-  for (std::size_t i = 0; i < _screen_map.size(); ++i)
-    _sep_prefix[i + 1] = _sep_prefix[i] + (_has_separator(_screen_map[i]) ? 1 : 0);
+  std::vector<int> counts(_screen_map.size() + 1, 0);
+  if (!pagebreak_lines.empty())
+    for (std::size_t i = 0; i < _screen_map.size(); ++i)
+      counts[i + 1] = counts[i] + (_has_separator(_screen_map[i]) ? 1 : 0);
+  _sep_prefix = std::move(counts);
 }
 
 void Editor::_update_map_lines(int lo, int hi_old, int new_count) {
@@ -99,27 +104,24 @@ void Editor::_update_map_lines(int lo, int hi_old, int new_count) {
     counts.push_back(static_cast<int>(entries.size()) - before);
   }
   int rows_now = static_cast<int>(entries.size());
-  splice(_screen_map, first, end - first, std::move(entries));
-  splice(_sm_lines, lo, hi_old - lo, std::move(counts));
-  splice(_sm_line_starts, lo, hi_old - lo, std::move(starts));
-  if (growth != 0)
-    for (auto i = static_cast<std::size_t>(first + rows_now); i < _screen_map.size(); ++i) _screen_map[i].ly += growth;
-  if (int shift = rows_now - (end - first); shift != 0)
-    for (auto i = static_cast<std::size_t>(lo + new_count); i < _sm_line_starts.size(); ++i)
-      _sm_line_starts[i] += shift;
+  auto at = [](int index) { return static_cast<std::size_t>(index); };
+  _screen_map.splice(at(first), at(end - first), std::move(entries));
+  _screen_map.shift(at(first + rows_now), growth);
+  _sm_lines.splice(at(lo), at(hi_old - lo), std::move(counts));
+  _sm_line_starts.splice(at(lo), at(hi_old - lo), std::move(starts));
+  _sm_line_starts.shift(at(lo + new_count), rows_now - (end - first));
   _splice_sep_prefix(first, end - first, rows_now);
   _map_cache_nlines = _line_count();
 }
 
 void Editor::_splice_sep_prefix(int first, int old_rows, int new_rows) {
-  int base = _sep_prefix[static_cast<std::size_t>(first)];
-  std::vector<int> counts{base};
+  auto at = [](int index) { return static_cast<std::size_t>(index); };
+  std::vector<int> counts{_sep_prefix[at(first)]};
   for (int i = first; i < first + new_rows; ++i)
-    counts.push_back(counts.back() + (_has_separator(_screen_map[static_cast<std::size_t>(i)]) ? 1 : 0));
-  int delta = counts.back() - _sep_prefix[static_cast<std::size_t>(first + old_rows)];
-  splice(_sep_prefix, first, old_rows + 1, std::move(counts));
-  if (delta == 0) return;
-  for (auto i = static_cast<std::size_t>(first + new_rows + 1); i < _sep_prefix.size(); ++i) _sep_prefix[i] += delta;
+    counts.push_back(counts.back() + (_has_separator(_screen_map[at(i)]) ? 1 : 0));
+  int growth = counts.back() - _sep_prefix[at(first + old_rows)];
+  _sep_prefix.splice(at(first), at(old_rows + 1), std::move(counts));
+  _sep_prefix.shift(at(first + new_rows + 1), growth);
 }
 
 void Editor::_invalidate_map() {
@@ -127,17 +129,17 @@ void Editor::_invalidate_map() {
   _syn_dirty = true;
 }
 
-int Editor::_logical_to_screen_row(int ly, int column, const std::vector<MapEntry>& screen_map) const {
+int Editor::_logical_to_screen_row(int ly, int column, const ScreenMap& screen_map) const {
   auto before_line = [](const MapEntry& entry, int line) { return entry.ly < line; };
   auto first = std::lower_bound(screen_map.begin(), screen_map.end(), ly, before_line);
-  if (first == screen_map.end() || first->ly != ly)
+  if (first == screen_map.end() || (*first).ly != ly)
     return std::max(static_cast<int>(first - screen_map.begin()) - 1, 0);
   auto end = std::lower_bound(first, screen_map.end(), ly + 1, before_line);
   auto behind = std::upper_bound(first, end, column, [](int at, const MapEntry& entry) { return at < entry.start; });
   return static_cast<int>(std::max(first, behind - 1) - screen_map.begin());
 }
 
-int Editor::_count_separators(const std::vector<MapEntry>& screen_map, int first, int end) const {
+int Editor::_count_separators(const ScreenMap& screen_map, int first, int end) const {
   int high = std::min(end, static_cast<int>(screen_map.size()));
   int low = std::max(first, 0);
   if (low >= high || _sep_prefix.empty()) return 0;

@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/gap_list.h"
 #include "core/spans.h"
 #include "customise/syntax_rules.h"
 
@@ -15,6 +16,18 @@ struct MapEntry {
   int length;  // characters shown
   friend bool operator==(const MapEntry&, const MapEntry&) = default;
 };
+
+// The rows of the document, ascending; those behind an edit move on to other lines.
+struct ShiftLine {
+  void operator()(MapEntry& entry, int amount) const { entry.ly += amount; }
+};
+using ScreenMap = GapList<MapEntry, ShiftLine>;
+
+// Ascending numbers that count something before each place.
+struct ShiftNumber {
+  void operator()(int& number, int amount) const { number += amount; }
+};
+using PlaceList = GapList<int, ShiftNumber>;
 
 // What lies over the characters of one line: first the lists of the whole line, kept while its rows are
 // drawn one behind the other, then the same clipped to a row and counted from its start.

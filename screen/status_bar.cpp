@@ -65,7 +65,7 @@ void Editor::_draw_statusbar() {
 }
 
 void Editor::_place_cursor() {
-  const std::vector<MapEntry>& map = _build_screen_map();
+  const ScreenMap& map = _build_screen_map();
   int row = _logical_to_screen_row(cy, cx, map);
   bool in_map = row < static_cast<int>(map.size());
   int screen_row = _text_top() + (_typewriter ? std::max(edit_rows() - 2, 0)
@@ -91,7 +91,7 @@ int Editor::_first_row_showing(int target) const {
 }
 
 void Editor::_ensure_cursor_visible() {
-  const std::vector<MapEntry>& map = _build_screen_map();
+  const ScreenMap& map = _build_screen_map();
   scroll_y = std::clamp(scroll_y, 0, static_cast<int>(map.size()));
   int row = _logical_to_screen_row(cy, cx, map);
   int visual = row + _count_separators(map, 0, row + 1);

@@ -30,9 +30,11 @@ void Editor::_do_chapter_swap(int direction) {
   _push_undo(swap.a, swap.b_end + 1);
   auto exchange = [&](auto& list) {
     // Two rotations: the second block to the front, then the middle stretch before the first block.
-    auto from = list.begin() + swap.a;
-    auto behind = std::rotate(from, list.begin() + swap.b, list.begin() + swap.b_end + 1);
-    std::rotate(behind, behind + (swap.a_end - swap.a + 1), list.begin() + swap.b_end + 1);
+    std::vector block(list.begin() + swap.a, list.begin() + swap.b_end + 1);
+    auto behind = std::rotate(block.begin(), block.begin() + (swap.b - swap.a), block.end());
+    std::rotate(behind, behind + (swap.a_end - swap.a + 1), block.end());
+    std::size_t count = block.size();
+    list.splice(static_cast<std::size_t>(swap.a), count, std::move(block));
   };
   exchange(lines);
   exchange(fmt_lines);

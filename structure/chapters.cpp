@@ -8,13 +8,13 @@ namespace brenlow {
 
 namespace {
 
-int count_of(std::span<const Text> lines) { return static_cast<int>(lines.size()); }
+int count_of(const LineList& lines) { return static_cast<int>(lines.size()); }
 
-const Text& line_at(std::span<const Text> lines, int ly) { return lines[static_cast<std::size_t>(ly)]; }
+const Text& line_at(const LineList& lines, int ly) { return lines[static_cast<std::size_t>(ly)]; }
 
 // The lines behind `h` up to the first header that `ends` accepts.
 template <class Ends>
-std::optional<LineRange> range_behind(std::span<const Text> lines, int h, Ends&& ends) {
+std::optional<LineRange> range_behind(const LineList& lines, int h, Ends&& ends) {
   int ly = h + 1;
   while (ly < count_of(lines) && !(is_header(line_at(lines, ly)) && ends(line_at(lines, ly)))) ++ly;
   if (ly == h + 1) return std::nullopt;
@@ -29,22 +29,22 @@ int header_level(TextView text) { return static_cast<int>(std::min(text.find_fir
 
 TextView chapter_title(TextView text) { return trimmed(text.substr(static_cast<std::size_t>(header_level(text)))); }
 
-std::optional<int> find_chapter_header(std::span<const Text> lines, int ly) {
+std::optional<int> find_chapter_header(const LineList& lines, int ly) {
   for (; ly >= 0; --ly)
     if (is_header(line_at(lines, ly))) return ly;
   return std::nullopt;
 }
 
-std::optional<LineRange> chapter_body_range(std::span<const Text> lines, int h) {
+std::optional<LineRange> chapter_body_range(const LineList& lines, int h) {
   return range_behind(lines, h, [](const Text&) { return true; });
 }
 
-std::optional<LineRange> chapter_subtree_range(std::span<const Text> lines, int h) {
+std::optional<LineRange> chapter_subtree_range(const LineList& lines, int h) {
   int level = header_level(line_at(lines, h));
   return range_behind(lines, h, [&](const Text& line) { return header_level(line) <= level; });
 }
 
-std::optional<int> find_sibling_chapter(std::span<const Text> lines, int h, int direction) {
+std::optional<int> find_sibling_chapter(const LineList& lines, int h, int direction) {
   int level = header_level(line_at(lines, h));
   int step = direction > 0 ? 1 : -1;
   for (int ly = h + step; ly >= 0 && ly < count_of(lines); ly += step)
@@ -52,14 +52,14 @@ std::optional<int> find_sibling_chapter(std::span<const Text> lines, int h, int 
   return std::nullopt;
 }
 
-std::vector<int> chapter_headers(std::span<const Text> lines) {
+std::vector<int> chapter_headers(const LineList& lines) {
   std::vector<int> headers;
   for (int ly = 0; ly < count_of(lines); ++ly)
     if (is_header(line_at(lines, ly))) headers.push_back(ly);
   return headers;
 }
 
-std::vector<bool> hidden_by_folds(std::span<const Text> lines, const IndexSet& folded, bool hierarchical) {
+std::vector<bool> hidden_by_folds(const LineList& lines, const IndexSet& folded, bool hierarchical) {
   std::vector<bool> hidden(lines.size(), false);
   // Of the folded chapters around a line the shallowest reaches furthest, so its level is all to remember.
   std::optional<int> level;
@@ -75,7 +75,7 @@ std::vector<bool> hidden_by_folds(std::span<const Text> lines, const IndexSet& f
   return hidden;
 }
 
-int chapter_swap_end(std::span<const Text> lines, int h) {
+int chapter_swap_end(const LineList& lines, int h) {
   std::optional<LineRange> subtree = chapter_subtree_range(lines, h);
   int last = subtree ? subtree->last : h;
   while (last > h && trimmed(line_at(lines, last).view()).empty()) --last;

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/document.h"
 #include "core/index_set.h"
-#include "core/text.h"
 
 namespace brenlow {
 
@@ -27,23 +27,23 @@ int header_level(TextView text);
 TextView chapter_title(TextView text);
 
 // The header that owns the line: the line itself or the nearest header above.
-std::optional<int> find_chapter_header(std::span<const Text> lines, int ly);
+std::optional<int> find_chapter_header(const LineList& lines, int ly);
 // The lines behind the header `h` up to the next header.
-std::optional<LineRange> chapter_body_range(std::span<const Text> lines, int h);
+std::optional<LineRange> chapter_body_range(const LineList& lines, int h);
 // The lines behind the header `h` up to the next header of its level or above.
-std::optional<LineRange> chapter_subtree_range(std::span<const Text> lines, int h);
+std::optional<LineRange> chapter_subtree_range(const LineList& lines, int h);
 // The nearest header of the level of `h` below it for a positive direction, else above it. Headers of other
 // levels are passed over.
-std::optional<int> find_sibling_chapter(std::span<const Text> lines, int h, int direction);
+std::optional<int> find_sibling_chapter(const LineList& lines, int h, int direction);
 // All headers, ascending.
-std::vector<int> chapter_headers(std::span<const Text> lines);
+std::vector<int> chapter_headers(const LineList& lines);
 
 // For every line whether a folded chapter hides it: the body of each member of `folded`, or with
 // `hierarchical` its whole sub-tree. One walk over the lines.
-std::vector<bool> hidden_by_folds(std::span<const Text> lines, const IndexSet& folded, bool hierarchical);
+std::vector<bool> hidden_by_folds(const LineList& lines, const IndexSet& folded, bool hierarchical);
 
 // The last line that moves with the header `h`: its sub-tree without the blank lines at the end.
-int chapter_swap_end(std::span<const Text> lines, int h);
+int chapter_swap_end(const LineList& lines, int h);
 
 // Two chapters that change places, `a` to `a_end` above `b` to `b_end`, both ends included. What lies between
 // them stays between them.

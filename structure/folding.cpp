@@ -10,7 +10,7 @@ namespace brenlow {
 namespace {
 
 // An edit of the line itself, such as a paste in front of the "#", may have left a fold on plain text.
-IndexSet headers_among(std::span<const Text> lines, const IndexSet& folded) {
+IndexSet headers_among(const LineList& lines, const IndexSet& folded) {
   std::vector<int> headers;
   for (int ly : folded)
     if (is_header(lines[static_cast<std::size_t>(ly)])) headers.push_back(ly);

@@ -61,10 +61,10 @@ TEST(ScreenMap, PatchedByEditsItEqualsOneBuiltAfresh) {
 
 // Every row from the plain reading: walks the whole map for the last row of the line that begins at or before the
 // column; for a hidden line the row above it.
-int plain_row_of(const std::vector<MapEntry>& map, int ly, int column) {
+int plain_row_of(const ScreenMap& map, int ly, int column) {
   int above = 0, found = -1;
   for (int row = 0; row < static_cast<int>(map.size()); ++row) {
-    const MapEntry& entry = map[static_cast<std::size_t>(row)];
+    const MapEntry entry = map[static_cast<std::size_t>(row)];
     if (entry.ly < ly) above = row;
     if (entry.ly == ly && (found < 0 || entry.start <= column)) found = row;
   }
@@ -80,7 +80,7 @@ TEST(ScreenMap, ACharactersRowIsFoundAsAPlainScanFindsIt) {
       session->_folded_chapters = folded;
       session->_kgrep_folds = filtered;
       session->_invalidate_map();
-      const std::vector<MapEntry> map = session->_build_screen_map();
+      const ScreenMap map = session->_build_screen_map();
       for (int ly = 0; ly < session->_line_count(); ++ly)
         for (int column = 0; column <= session->_line_length(ly); ++column)
           EXPECT_EQ(session->_logical_to_screen_row(ly, column, map), plain_row_of(map, ly, column))
@@ -122,14 +122,9 @@ TEST(ScreenMap, ALetterInALongDocumentTouchesItsLineAlone) {
     session->cy = ly;
     session->cx = 3;
     session.draw();
-    const MapEntry* rows = session->_screen_map.data();
-    const int *starts = session->_sm_line_starts.data(), *separators = session->_sep_prefix.data();
     session.press('x');
     EXPECT_FALSE(session->_map_dirty);
     EXPECT_EQ(session->_word_count, 1'000'000);
-    EXPECT_EQ(session->_screen_map.data(), rows);
-    EXPECT_EQ(session->_sm_line_starts.data(), starts);
-    EXPECT_EQ(session->_sep_prefix.data(), separators);
     session.press({' ', 'y'});
     EXPECT_EQ(session->_word_count, 1'000'001);
     session.press(26);

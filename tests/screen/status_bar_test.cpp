@@ -85,8 +85,8 @@ TEST(StatusBar, TheCursorStaysInViewOnItsCharacter) {
       if (session->_line(ly).starts_with(U"#") && pick(2)) session->_folded_chapters.insert(ly);
     session->_invalidate_map();
     for (int step = 0; step < 25; ++step) {
-      const std::vector<MapEntry> map = session->_build_screen_map();
-      const MapEntry& entry = map[static_cast<std::size_t>(pick(static_cast<int>(map.size())))];
+      const ScreenMap map = session->_build_screen_map();
+      const MapEntry entry = map[static_cast<std::size_t>(pick(static_cast<int>(map.size())))];
       session->cy = entry.ly;
       bool folded = session->_folded_chapters.contains(entry.ly);
       int length = folded ? std::min(session->_line_length(entry.ly), 3) : entry.length;

@@ -218,7 +218,11 @@ std::string EditorSession::notation() const {
 }
 
 DocumentTriple EditorSession::triple() const {
-  return {.lines = _editor->lines, .fmt_lines = _editor->fmt_lines, .pagebreak_lines = _editor->pagebreak_lines};
+  const LineList& lines = _editor->lines;
+  const FormatList& formats = _editor->fmt_lines;
+  return {.lines = {lines.begin(), lines.end()},
+          .fmt_lines = {formats.begin(), formats.end()},
+          .pagebreak_lines = _editor->pagebreak_lines};
 }
 
 void EditorSession::press(std::initializer_list<int> keys) {
