@@ -61,11 +61,11 @@ std::string make_meta_xml(std::time_t now) {
       .append("/1.0</meta:generator>\n  </office:meta>\n</office:document-meta>");
 }
 
-XmlTree read_content(const PackageReader& package, bool without_text) {
+XmlTree read_content(const PackageReader& package, const ShowNode& show) {
   static constexpr XmlPlace OFFICE_TEXT{NS_OFFICE, "body", "text"};
   std::string bytes = package.read("content.xml");
   try {
-    return XmlTree::parse(bytes, "content.xml", without_text ? &OFFICE_TEXT : nullptr);
+    return XmlTree::parse(bytes, "content.xml", &OFFICE_TEXT, show);
   } catch (const Failure&) {
     // Encrypted members look like members full of noise; only the manifest tells (part 2, section 3.4.1).
     const std::string manifest = "META-INF/manifest.xml";

@@ -32,9 +32,9 @@ extern const std::string_view MINIMAL_MANIFEST;
 // The text of meta.xml; both of its dates are `now`, in UTC.
 std::string make_meta_xml(std::time_t now = std::time(nullptr));
 
-// The parsed content.xml of a package, on demand with an office:text that is empty. Throws Failure, which says
-// so when the package is encrypted.
-XmlTree read_content(const PackageReader& package, bool without_text = false);
+// The parsed content.xml of a package with an office:text that is empty: its children are only shown. Throws
+// Failure, which says so when the package is encrypted.
+XmlTree read_content(const PackageReader& package, const ShowNode& show = {});
 
 // The element that holds the paragraphs: office:text in office:body below the root; null without one.
 const XmlNode* find_office_text(const XmlNode* root);

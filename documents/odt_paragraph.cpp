@@ -144,7 +144,7 @@ void _collect_rich(const XmlNode* elem, TextAttributes base, const StyleMap& sty
   if (is_paragraph(elem)) Walk(base, style_map, spaces_left, out).run(elem);
 }
 
-void _runs_to_line_fmt(const RunList& runs, DocumentTriple& document) {
+void _runs_to_line_fmt(const RunList& runs, LineStorage& storage, DocumentTriple& document) {
   std::u32string_view text = runs.text;
   std::vector<Span> spans;
   std::size_t run = 0;
@@ -163,7 +163,7 @@ void _runs_to_line_fmt(const RunList& runs, DocumentTriple& document) {
       ++run;
     }
     if (document.lines.size() == MAX_ODT_LINES) throw Failure("content.xml: too many lines");
-    document.lines.emplace_back(text.substr(start, end - start));
+    document.lines.push_back(storage.line(text.substr(start, end - start)));
     document.fmt_lines.push_back(span_list(spans));
     if (end == text.size()) return;
     start = end + 1;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/document.h"
+#include "documents/line_storage.h"
 #include "documents/odt_styles.h"
 #include "documents/xml_tree.h"
 
@@ -32,6 +33,6 @@ void _collect_rich(const XmlNode* elem, TextAttributes base, const StyleMap& sty
 inline constexpr std::size_t MAX_ODT_LINES = std::size_t{16} << 20;
 
 // Appends the lines of the paragraph to `document`, at least one. Throws Failure.
-void _runs_to_line_fmt(const RunList& runs, DocumentTriple& document);
+void _runs_to_line_fmt(const RunList& runs, LineStorage& storage, DocumentTriple& document);
 
 }  // namespace brenlow

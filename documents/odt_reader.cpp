@@ -1,12 +1,11 @@
 #include "documents/odt_reader.h"
 
-#include <libxml/tree.h>
-
 #include <optional>
 #include <string_view>
 #include <vector>
 
 #include "core/failure.h"
+#include "documents/line_storage.h"
 #include "documents/odt_format.h"
 #include "documents/odt_paragraph.h"
 #include "documents/odt_styles.h"
@@ -23,6 +22,7 @@ constexpr std::size_t MAX_COUNTED_SPACES = std::size_t{64} << 20;
 struct Styles {
   StyleMap attributes;
   StyleNames pagebreaks;
+  friend bool operator==(const Styles&, const Styles&) = default;
 };
 
 // A faulty styles.xml counts as absent: the text matters more than its looks.
@@ -36,8 +36,8 @@ std::optional<XmlTree> read_styles_xml(const PackageReader& package) {
   }
 }
 
-Styles collect_styles(const XmlTree& content, const std::optional<XmlTree>& styles_xml) {
-  Styles styles{_build_style_map(content.root()), _build_pagebreak_styles(content.root())};
+Styles collect_styles(const XmlNode* content, const std::optional<XmlTree>& styles_xml) {
+  Styles styles{_build_style_map(content), _build_pagebreak_styles(content)};
   if (!styles_xml) return styles;
   for (const auto& [name, attributes] : _build_style_map(styles_xml->root()))
     styles.attributes.insert_or_assign(name, attributes);
@@ -45,35 +45,57 @@ Styles collect_styles(const XmlTree& content, const std::optional<XmlTree>& styl
   return styles;
 }
 
-DocumentTriple read_paragraphs(const XmlNode* office_text, const Styles& styles) {
-  DocumentTriple document;
-  document.lines.clear();
-  document.fmt_lines.clear();
-  std::vector<int> pagebreaks;
-  std::size_t spaces_left = MAX_COUNTED_SPACES;
-  RunList runs;
-  for (const XmlNode* node = office_text->children; node; node = node->next) {
-    if (!is_paragraph(node)) continue;
-    std::string_view style_name = attribute(node, NS_TEXT, "style-name");
-    auto found = styles.attributes.find(style_name);
-    TextAttributes base = found == styles.attributes.end() ? TextAttributes{} : found->second;
-    _collect_rich(node, base, styles.attributes, spaces_left, runs);
-    if (styles.pagebreaks.contains(style_name)) pagebreaks.push_back(static_cast<int>(document.lines.size()));
-    _runs_to_line_fmt(runs, document);
+// Takes the paragraphs of a document one after the other.
+class ParagraphReader {
+ public:
+  explicit ParagraphReader(const Styles& styles) : _styles(styles) {
+    _document.lines.clear();
+    _document.fmt_lines.clear();
   }
-  if (document.lines.empty()) return {};
-  document.pagebreak_lines = IndexSet::from_sorted(pagebreaks);
-  return document;
-}
+
+  void read(const XmlNode* node) {
+    if (!is_paragraph(node)) return;
+    std::string_view style_name = attribute(node, NS_TEXT, "style-name");
+    auto found = _styles.attributes.find(style_name);
+    TextAttributes base = found == _styles.attributes.end() ? TextAttributes{} : found->second;
+    _collect_rich(node, base, _styles.attributes, _spaces_left, _runs);
+    if (_styles.pagebreaks.contains(style_name)) _pagebreaks.push_back(static_cast<int>(_document.lines.size()));
+    _runs_to_line_fmt(_runs, _storage, _document);
+  }
+
+  DocumentTriple document() && {
+    if (_document.lines.empty()) return {};
+    _document.pagebreak_lines = IndexSet::from_sorted(_pagebreaks);
+    return std::move(_document);
+  }
+
+ private:
+  const Styles& _styles;
+  DocumentTriple _document;
+  std::vector<int> _pagebreaks;
+  std::size_t _spaces_left = MAX_COUNTED_SPACES;
+  RunList _runs;
+  LineStorage _storage;
+};
 
 }  // namespace
 
 DocumentTriple odt_to_rich(const std::string& path) {
   PackageReader package = PackageReader::from_file(path);
-  XmlTree content = read_content(package);
-  const XmlNode* office_text = find_office_text(content.root());
-  if (!office_text) return {};
-  return read_paragraphs(office_text, collect_styles(content, read_styles_xml(package)));
+  const std::optional<XmlTree> styles_xml = read_styles_xml(package);
+  // Styles stand before the text that they are for. Where some do not, the text is read once more, knowing all.
+  for (std::optional<Styles> all;;) {
+    std::optional<Styles> known = std::move(all);
+    std::optional<ParagraphReader> reader;
+    XmlTree content = read_content(package, [&](const XmlNode* node) {
+      if (!known) known = collect_styles(root_of(node), styles_xml);
+      if (!reader) reader.emplace(*known);
+      reader->read(node);
+    });
+    if (!reader) return {};
+    all = collect_styles(content.root(), styles_xml);
+    if (all == known) return std::move(*reader).document();
+  }
 }
 
 }  // namespace brenlow

@@ -98,7 +98,7 @@ std::string paragraphs(const LineList& lines, const FormatList& fmt_lines, const
 // and cannot be read is a failure: what it holds would be lost.
 XmlTree base_tree(const std::optional<PackageReader>& old) {
   if (old && old->has("content.xml")) {
-    XmlTree tree = read_content(*old, true);
+    XmlTree tree = read_content(*old);
     if (find_office_text(tree.root())) return tree;
   }
   return XmlTree::parse(MINIMAL_CONTENT, "content.xml");

@@ -6,6 +6,7 @@
 #include "core/failure.h"
 #include "core/unicode.h"
 #include "documents/file_access.h"
+#include "documents/line_storage.h"
 
 namespace brenlow {
 
@@ -66,18 +67,10 @@ class LineReader {
     if (_scratch.size() < size) _scratch.resize(size);
     size = decode_utf8_into(std::string_view(_file.data() + start, size), _scratch.data());
     std::u32string_view characters(_scratch.data(), size);
-    return _narrowed(characters, _file.writable() + start) ? Text::slice(_file, start, size) : Text(characters);
+    return narrowed(characters, _file.writable() + start) ? Text::slice(_file, start, size) : Text(characters);
   }
 
  private:
-  static bool _narrowed(std::u32string_view characters, char* out) {
-    return std::all_of(characters.begin(), characters.end(), [&](char32_t character) {
-      auto byte = NarrowCharacter::of(character);
-      *out++ = static_cast<char>(byte.value_or(0));
-      return byte.has_value();
-    });
-  }
-
   SharedArray<char> _file;
   std::u32string _scratch;
 };

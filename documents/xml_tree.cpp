@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <exception>
 
 #include "core/failure.h"
 #include "core/unicode.h"
@@ -37,10 +38,13 @@ struct ParseState {
   std::uint64_t lookup_steps = 0;
   int depth = 0;
   bool too_long_for_doctype = false;
-  const XmlPlace* emptied = nullptr;  // not met yet
-  int skipped_below = 0;              // the depth of the element that stays empty, while within it
-  const char* refusal = nullptr;      // why the parsing was stopped
-  std::string first_error;            // the later ones only follow from it
+  const XmlPlace* place = nullptr;  // of the element that stays empty; null once that was met
+  const ShowNode* show = nullptr;
+  const XmlNode* emptied = nullptr;  // the element, where its children are shown
+  int skipped_below = 0;             // its depth, while within it, where nobody asks for them
+  const char* refusal = nullptr;     // why the parsing was stopped
+  std::exception_ptr failure;        // of whom a node was shown
+  std::string first_error;           // the later ones only follow from it
 };
 
 xmlParserCtxt* parser_of(void* context) { return static_cast<xmlParserCtxt*>(context); }
@@ -75,9 +79,9 @@ bool wanted(void* context) { return state_of(context).skipped_below == 0; }
 
 bool is_emptied(const ParseState& state, const XmlNode* node) {
   constexpr int PLACE_DEPTH = 3;
-  return state.emptied && state.depth == PLACE_DEPTH && node && node->parent &&
-         is_element(node, state.emptied->uri, state.emptied->name) &&
-         is_element(node->parent, state.emptied->uri, state.emptied->parent);
+  return state.place && state.depth == PLACE_DEPTH && node && node->parent &&
+         is_element(node, state.place->uri, state.place->name) &&
+         is_element(node->parent, state.place->uri, state.place->parent);
 }
 
 void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaces_count,
@@ -86,15 +90,37 @@ void start_element(void* context, const xmlChar* name, const xmlChar* prefix, co
   xmlSAX2StartElementNs(context, name, prefix, uri, namespaces_count, namespaces, attributes_count, defaulted,
                         attributes);
   ParseState& state = state_of(context);
-  if (!is_emptied(state, parser_of(context)->node)) return;
-  state.emptied = nullptr;
-  state.skipped_below = state.depth;
+  const XmlNode* node = parser_of(context)->node;
+  if (!is_emptied(state, node)) return;
+  state.place = nullptr;
+  if (*state.show)
+    state.emptied = node;
+  else
+    state.skipped_below = state.depth;
+}
+
+// Every child that is complete: one at a time, but an entity can hold several.
+void show_children(void* context) {
+  ParseState& state = state_of(context);
+  try {
+    while (XmlNode* child = state.emptied->children) {
+      (*state.show)(child);
+      xmlUnlinkNode(child);
+      xmlFreeNode(child);
+    }
+  } catch (...) {
+    state.failure = std::current_exception();
+    refuse(context, "");
+  }
 }
 
 void end_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
   ParseState& state = state_of(context);
   if (state.depth-- == state.skipped_below) state.skipped_below = 0;
-  if (wanted(context) && !state.refusal) xmlSAX2EndElementNs(context, name, prefix, uri);
+  if (!wanted(context) || state.refusal) return;
+  const XmlNode* ended = parser_of(context)->node;
+  xmlSAX2EndElementNs(context, name, prefix, uri);
+  if (state.emptied && (ended == state.emptied || ended->parent == state.emptied)) show_children(context);
 }
 
 void characters(void* context, const xmlChar* text, int length) {
@@ -242,20 +268,22 @@ const char* reason_against_parsing(std::string_view bytes) {
 
 void XmlDocFree::operator()(_xmlDoc* document) const { xmlFreeDoc(document); }
 
-XmlTree XmlTree::parse(std::string_view bytes, const std::string& what, const XmlPlace* emptied) {
+XmlTree XmlTree::parse(std::string_view bytes, const std::string& what, const XmlPlace* emptied, const ShowNode& show) {
   static const LibraryQuiet quiet;
   if (const char* reason = reason_against_parsing(bytes)) throw Failure(what + ": " + reason);
   std::unique_ptr<xmlParserCtxt, ParserFree> parser(xmlNewParserCtxt());
   if (!parser) throw std::bad_alloc();
   ParseState state;
   state.too_long_for_doctype = bytes.size() > MAX_BYTES_WITH_DOCTYPE;
-  state.emptied = emptied;
+  state.place = emptied;
+  state.show = &show;
   parser->_private = &state;
   install_handlers(*parser->sax);
   std::unique_ptr<_xmlDoc, XmlDocFree> document(
       xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
                         XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_COMPACT | XML_PARSE_NOERROR |
                             XML_PARSE_NOWARNING));
+  if (state.failure) std::rethrow_exception(state.failure);
   if (state.refusal) throw Failure(what + ": " + state.refusal);
   if (!document || !parser->wellFormed || !parser->nsWellFormed) {
     throw Failure(what + ": " + (state.first_error.empty() ? "not well-formed" : state.first_error));
@@ -265,6 +293,8 @@ XmlTree XmlTree::parse(std::string_view bytes, const std::string& what, const Xm
 }
 
 const XmlNode* XmlTree::root() const { return xmlDocGetRootElement(_document.get()); }
+
+const XmlNode* root_of(const XmlNode* node) { return xmlDocGetRootElement(node->doc); }
 
 std::string_view local_name(const XmlNode* node) { return text_of(node->name); }
 

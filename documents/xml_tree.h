@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,13 +27,18 @@ struct XmlPlace {
   std::string_view name;
 };
 
+// Is shown a node of a tree that is still being parsed; what stands before the node is there already.
+using ShowNode = std::function<void(const XmlNode*)>;
+
 // A parsed XML document. Text of internal entities is in place; comments and processing instructions are
 // nodes of their own. The depth and the number of nodes are bounded.
 class XmlTree {
  public:
   // `what` names the document in the text of a Failure. No file and no network is ever asked for anything.
-  // The first element at `emptied` comes without its content, which is checked all the same.
-  static XmlTree parse(std::string_view bytes, const std::string& what, const XmlPlace* emptied = nullptr);
+  // The first element at `emptied` comes without its content, which is checked all the same: each child is handed to
+  // `show`, if that is given, as soon as it is complete, and does not stay.
+  static XmlTree parse(std::string_view bytes, const std::string& what, const XmlPlace* emptied = nullptr,
+                       const ShowNode& show = {});
   const XmlNode* root() const;
 
  private:
@@ -41,6 +47,7 @@ class XmlTree {
 };
 
 // The look-ups go by namespace URI and never by prefix. Their texts live as long as the tree.
+const XmlNode* root_of(const XmlNode* node);
 std::string_view local_name(const XmlNode* node);
 bool is_element(const XmlNode* node, std::string_view uri, std::string_view name);
 const XmlNode* first_child(const XmlNode* parent, std::string_view uri, std::string_view name);

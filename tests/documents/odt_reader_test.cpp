@@ -121,6 +121,13 @@ TEST(OdtReader, StylesInheritWithinTheirFile) {
   EXPECT_EQ(looks("B", text_style("B", BOLD), styles_xml(text_style("B", ""))), "a");
   EXPECT_EQ(looks("B", text_style("B", BOLD), "<broken"), "<b>a</b>");
 
+  // Styles that only follow the text count as well.
+  std::string late = content_xml("<text:p text:style-name='B'>a</text:p>", text_style("B", ITALIC));
+  std::size_t styles = late.find("<office:automatic-styles>"), body = late.find("<office:body>");
+  std::string moved = late.substr(styles, body - styles);
+  late.erase(styles, moved.size()).insert(late.find("</office:document-content>"), moved);
+  EXPECT_EQ(read_members({{"content.xml", late}}), "<i>a</i>");
+
   // Eleven levels of parents count, a twelfth does not.
   auto chain = [](int parent_levels) {
     std::string styles;
@@ -165,6 +172,9 @@ TEST(OdtReader, EntitiesHaveTheirValueButNothingIsFetchedOrMultiplied) {
   };
   EXPECT_EQ(read_members(with_entities("<!ENTITY a 'x&b;'><!ENTITY b '<text:tab/>y'>", "<text:p>1&a;2</text:p>")),
             "1x\ty2");
+  EXPECT_EQ(read_members(with_entities("<!ENTITY p '<text:p>x</text:p>,<text:p>y&q;</text:p>'><!ENTITY q '?'>",
+                                       "&p;<text:p>z</text:p>&p;<text:p>&q;</text:p>&p;")),
+            "x\ny?\nz\nx\ny?\n?\nx\ny?");
 
   TemporaryFolder folder;
   std::string secret = folder.write("secret.txt", "secret");
