@@ -123,9 +123,9 @@ TEST(OdtReader, StylesInheritWithinTheirFile) {
 
   // Styles that only follow the text count as well.
   std::string late = content_xml("<text:p text:style-name='B'>a</text:p>", text_style("B", ITALIC));
-  std::size_t styles = late.find("<office:automatic-styles>"), body = late.find("<office:body>");
-  std::string moved = late.substr(styles, body - styles);
-  late.erase(styles, moved.size()).insert(late.find("</office:document-content>"), moved);
+  std::size_t section = late.find("<office:automatic-styles>"), body = late.find("<office:body>");
+  std::string moved = late.substr(section, body - section);
+  late.erase(section, moved.size()).insert(late.find("</office:document-content>"), moved);
   EXPECT_EQ(read_members({{"content.xml", late}}), "<i>a</i>");
 
   // Eleven levels of parents count, a twelfth does not.
