@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <climits>
 #include <cwchar>
+#include <utility>
 
 #include "screen/curses.h"
 // The names of the terminal's capabilities are macros; they end with this file.
@@ -21,18 +22,16 @@ namespace {
 constexpr std::ptrdiff_t ERASED_RUN = 4;
 
 // The library hands its sequences out byte by byte.
-std::string* collected = nullptr;
+std::string collected;
 int collect(int byte) {
-  collected->push_back(static_cast<char>(byte));
+  collected.push_back(static_cast<char>(byte));
   return byte;
 }
+std::string take_collected() { return std::exchange(collected, {}); }
 
 std::string capability(const char* sequence) {
-  std::string bytes;
-  if (!sequence) return bytes;
-  collected = &bytes;
-  ::tputs(sequence, 1, collect);
-  return bytes;
+  if (sequence) ::tputs(sequence, 1, collect);
+  return take_collected();
 }
 
 bool is_plain_blank(const Cell& cell) { return (cell.bits & ~std::uint64_t{Cell::ANCHOR}) == U' '; }
@@ -118,12 +117,11 @@ std::string Painter::_sequence_for(std::uint64_t look) {
   std::string sequence = capability(orig_pair) + capability(exit_attribute_mode);
   if (look == 0) return sequence;
   Style style = Cell::style(look);
-  collected = &sequence;
   ::vid_puts(style.attributes, static_cast<short>(style.pair), &style.pair, collect);
-  std::string ended;
+  sequence += take_collected();
   int no_pair = 0;
-  collected = &ended;
   ::vid_puts(A_NORMAL, 0, &no_pair, collect);
+  take_collected();
   return sequence;
 }
 
