@@ -14,9 +14,16 @@ constexpr int LONG_LINE = 1024;
 
 bool unchanged(const Text& a, const SpanList& af, const Text& b, const SpanList& bf) { return a.same(b) && af == bf; }
 
-int word_count(const std::vector<Text>& lines) {
+// What the lines that came have more words than those that went. Lines of which only the format changed are
+// not counted.
+int word_growth(const std::vector<Text>& before, const std::vector<Text>& after) {
   int words = 0;
-  for (const Text& line : lines) words += count_words(line);
+  std::size_t most = std::max(before.size(), after.size());
+  for (std::size_t i = 0; i < most; ++i) {
+    if (i < before.size() && i < after.size() && before[i].same(after[i])) continue;
+    if (i < after.size()) words += count_words(after[i]);
+    if (i < before.size()) words -= count_words(before[i]);
+  }
   return words;
 }
 
@@ -150,7 +157,7 @@ void finish_record(UndoRecord& r, const LineList& lines, const FormatList& fmt_l
   r.new_fmt.assign(fmt_lines.begin() + r.lo, fmt_lines.begin() + hi_new);
   trim_ends(r);
   if (r.old_lines.size() == r.new_lines.size()) keep_differing_lines(r);
-  r.word_delta = word_count(r.new_lines) - word_count(r.old_lines);
+  r.word_delta = word_growth(r.old_lines, r.new_lines);
   if (r.runs.size() == 1 && r.old_lines.size() == 1 && r.new_lines.size() == 1) keep_differing_middle(r);
   r.finished = true;
 }

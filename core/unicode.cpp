@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cwctype>
+#include <type_traits>
 
 namespace brenlow {
 
@@ -188,14 +189,16 @@ int count_words_in(std::span<Character> text) {
   for (std::size_t at = 0; at < text.size(); at += BLOCK) {
     auto block = text.subspan(at, std::min(BLOCK, text.size() - at));
     using Raw = decltype(raw(block[0]));
+    // A narrow character is one of the usual blanks or the no-break space.
+    constexpr bool NARROW = std::is_same_v<std::remove_const_t<Character>, NarrowCharacter>;
     Raw all = 0;
     for (Character character : block) all |= raw(character);
-    if (all < 0x80) {
+    if (NARROW || all < 0x80) {
       for (std::size_t i = 0; i < block.size(); ++i) {
         Raw c = raw(block[i]);
         Raw from_tab = static_cast<Raw>(c - 0x09);
         Raw from_separators = static_cast<Raw>(c - 0x1C);
-        blank[i + 1] = static_cast<unsigned char>((c == 0x20) | (from_tab < 5) | (from_separators < 4));
+        blank[i + 1] = static_cast<unsigned char>((c == 0x20) | (from_tab < 5) | (from_separators < 4) | (c == 0xA0));
       }
     } else {
       for (std::size_t i = 0; i < block.size(); ++i) blank[i + 1] = is_space(block[i]) ? 1 : 0;

@@ -3,8 +3,8 @@
 // rows, `_sep_prefix` counts the page-break rows, which are no entries of the map, before each entry.
 //
 // A change of a few lines re-wraps those lines and splices the arrays; the text of no other line is looked
-// at. Folds, the line filter, margins and whole-document commands mark the map dirty instead, and it is built
-// anew at the next use. A change of the width is noticed by `_map_cache_cols`.
+// at. Folds, the line filter when it hides other lines, margins and whole-document commands mark the map dirty
+// instead, and it is built anew at the next use. A change of the width is noticed by `_map_cache_cols`.
 
 #include <algorithm>
 
@@ -81,7 +81,7 @@ void Editor::_update_map_lines(int lo, int hi_old, int new_count) {
   bool patchable = !_map_dirty && _map_cache_cols == std::max(cols(), 1) && !_sm_lines.empty() &&
                    _sm_line_starts.size() == _sm_lines.size() &&
                    static_cast<int>(_sm_lines.size()) + growth == _line_count() && _folded_chapters.empty() &&
-                   _kgrep_folds.empty();
+                   (_kgrep_folds.empty() || growth == 0);
   if (!patchable) {
     _map_dirty = true;
     return;
@@ -100,7 +100,7 @@ void Editor::_update_map_lines(int lo, int hi_old, int new_count) {
   for (int ly = lo; ly < lo + new_count; ++ly) {
     int before = static_cast<int>(entries.size());
     starts.push_back(first + before);
-    append_rows(entries, ly, _line(ly), _wrap_width(), scratch);
+    if (!_kgrep_folds.contains(ly)) append_rows(entries, ly, _line(ly), _wrap_width(), scratch);
     counts.push_back(static_cast<int>(entries.size()) - before);
   }
   int rows_now = static_cast<int>(entries.size());

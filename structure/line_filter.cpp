@@ -75,6 +75,7 @@ void Editor::_kgrep_refresh() {
     report("kGrep cleared — no matches left");
     return;
   }
+  bool changed = !(hidden == _kgrep_folds);
   _kgrep_folds = hidden;
   if (_kgrep_folds.contains(cy)) {
     int visible = cy;
@@ -84,7 +85,7 @@ void Editor::_kgrep_refresh() {
     cy = visible;
     cx = std::min(cx, _line_length(cy));
   }
-  _invalidate_map();
+  if (changed) _invalidate_map();
   _ensure_cursor_visible();
   report("kGrep " + _kgrep_quoted_term() + ": " + std::to_string(_line_count() - hidden.size()) + " shown, " +
          std::to_string(hidden.size()) + " hidden");

@@ -38,9 +38,11 @@ const std::vector<std::pair<char32_t, char32_t>>& case_partners() {
 }
 
 // As a number: the block's comparisons are joined without a branch.
-template <class Number>
-Number equal(Number a, Number b) {
-  return a == b ? 1 : 0;
+template <class Number, std::size_t SIZE>
+Number is_one_of(Number number, const std::array<Number, SIZE>& variants) {
+  Number any = 0;
+  for (Number variant : variants) any = static_cast<Number>(any | (number == variant ? 1 : 0));
+  return any;
 }
 
 // The characters that may stand for one of the term and that a text of this width can hold.
@@ -95,17 +97,16 @@ bool Needle::_block_has_candidate(const Character* block, const Scan<Raw<Charact
   const Character* ends = block + _term.size() - 1;
   Number any = 0;
   for (std::size_t i = 0; i < BLOCK; ++i) {
-    Number begin = raw(block[i]);
-    Number end = raw(ends[i]);
-    Number begins = equal(begin, first[0]) | equal(begin, first[1]) | equal(begin, first[2]);
-    Number finishes = equal(end, last[0]) | equal(end, last[1]) | equal(end, last[2]);
-    any |= begins & finishes;
+    Number begins = is_one_of(raw(block[i]), first);
+    Number finishes = is_one_of(raw(ends[i]), last);
+    any = static_cast<Number>(any | (begins & finishes));
   }
   return any != 0;
 }
 
 template <class Character>
-bool Needle::_matches(const Character* at) const {
+bool Needle::_matches(const Character* at, const Scan<Raw<Character>>& scan) const {
+  if (scan.scannable && !is_one_of(raw(*at), scan.first)) return false;
   if (!_case_insensitive)
     return std::equal(_term.begin(), _term.end(), at, [](char32_t a, char32_t b) { return a == b; });
   return std::equal(_term.begin(), _term.end(), at, [](char32_t wanted, char32_t c) { return lower(c) == wanted; });
@@ -120,12 +121,13 @@ int Needle::_find(std::span<const Character> text, int from) const {
   const Character* begin = text.data();
   while (at < places) {
     std::size_t end = std::min(at + BLOCK, places);
-    if (end - at == BLOCK && !_block_has_candidate(begin + at, scan)) {
+    // The last block reaches back over places that were looked at.
+    if (end >= BLOCK && !_block_has_candidate(begin + end - BLOCK, scan)) {
       at = end;
       continue;
     }
     for (; at < end; ++at)
-      if (_matches(begin + at)) return static_cast<int>(at);
+      if (_matches(begin + at, scan)) return static_cast<int>(at);
   }
   return -1;
 }
@@ -144,7 +146,7 @@ int Needle::_rfind(std::span<const Character> text, int before) const {
       continue;
     }
     for (; end > at; --end)
-      if (_matches(begin + end - 1)) return static_cast<int>(end - 1);
+      if (_matches(begin + end - 1, scan)) return static_cast<int>(end - 1);
   }
   return -1;
 }

@@ -31,7 +31,7 @@ class Needle {
   // the first and the last character of the term fit. Unused places repeat one that is used.
   template <class Number>
   struct Scan {
-    using Variants = std::array<Number, 3>;
+    using Variants = std::array<Number, sizeof(Number) == 1 ? 2 : 3>;
     Variants first{};
     Variants last{};
     bool possible = false;   // a text of this width can hold the term
@@ -44,7 +44,7 @@ class Needle {
   template <class Character>
   bool _block_has_candidate(const Character* block, const Scan<Raw<Character>>& scan) const;
   template <class Character>
-  bool _matches(const Character* at) const;
+  bool _matches(const Character* at, const Scan<Raw<Character>>& scan) const;
   template <class Character>
   int _find(std::span<const Character> text, int from) const;
   template <class Character>
