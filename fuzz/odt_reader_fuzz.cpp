@@ -1,11 +1,7 @@
 // The bytes are tried as a whole package, and as the content.xml and the styles.xml of one. What opens is
 // saved over itself and must open again as the same document.
 
-#include <unistd.h>
-
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 
 #include "core/failure.h"
@@ -13,23 +9,13 @@
 #include "documents/odt_reader.h"
 #include "documents/odt_writer.h"
 #include "documents/zip_package.h"
+#include "fuzz/require.h"
+#include "fuzz/scratch_file.h"
 
 namespace {
 
 using namespace brenlow;
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-// One file for the whole run, gone with it.
-class ScratchFile {
- public:
-  ScratchFile()
-      : path((std::filesystem::temp_directory_path() / ("brenlow-fuzz-" + std::to_string(::getpid()) + ".odt"))) {}
-  ~ScratchFile() { std::filesystem::remove(path); }
-  const std::string path;
-};
+using fuzz::require;
 
 void check_document(const std::string& path, const std::string& package) {
   write_file(path, package);
@@ -63,7 +49,7 @@ std::string package_with(const std::string& member, std::string content) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const ScratchFile scratch;
+  static const fuzz::ScratchFile scratch(".odt");
   std::string bytes(reinterpret_cast<const char*>(data), size);
   check_document(scratch.path, bytes);
   check_document(scratch.path, package_with("content.xml", bytes));

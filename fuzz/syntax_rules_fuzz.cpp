@@ -2,20 +2,17 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include "core/unicode.h"
 #include "customise/conf_file.h"
 #include "customise/syntax_rules.h"
+#include "fuzz/require.h"
 
 namespace {
 
 using namespace brenlow;
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::require;
 
 void check_spans(std::u32string_view line, std::vector<SyntaxSpan> spans) {
   std::sort(spans.begin(), spans.end(), [](const SyntaxSpan& a, const SyntaxSpan& b) { return a.start < b.start; });

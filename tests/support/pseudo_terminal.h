@@ -15,6 +15,8 @@ class PseudoTerminal {
   int slave() const { return _slave.get(); }
   const std::string& path() const { return _path; }
   void resize(int rows, int cols) const;
+  // The terminal goes away: who reads from the slave comes to the end.
+  void hang_up() { _master = Descriptor(); }
   // The modes (echo, signals, line endings, control characters) as a text to compare and to print.
   std::string modes() const;
 
