@@ -108,7 +108,7 @@ void append_utf8(std::string& out, char32_t character) {
 }
 
 void append_utf8_text(std::string& out, TextView text) {
-  append_in_blocks(
+  append_in_runs(
       out, text, [](char32_t character) { return character < 0x80; },
       [&](char32_t character) { append_utf8(out, character); });
 }

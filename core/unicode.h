@@ -25,25 +25,24 @@ void append_utf8_text(std::string& out, TextView text);
 // Appends text of which most characters are `plain`, that is ASCII taken as it is; each other one is handed to
 // `special`. `plain` is asked of whole blocks, so it should not branch.
 template <class Plain, class Special>
-void append_in_blocks(std::string& out, TextView text, Plain&& plain, Special&& special) {
+void append_in_runs(std::string& out, TextView text, Plain&& plain, Special&& special) {
   text.visit([&](auto characters) {
-    constexpr std::size_t BLOCK = 64;
-    for (std::size_t at = 0; at < characters.size(); at += BLOCK) {
-      auto block = characters.subspan(at, std::min(BLOCK, characters.size() - at));
-      bool all_plain = true;
-      for (auto character : block) all_plain &= plain(raw(character));
-      if (all_plain) {
-        std::size_t size = out.size();
-        out.resize(size + block.size());
-        for (std::size_t i = 0; i < block.size(); ++i) out[size + i] = static_cast<char>(raw(block[i]));
-        continue;
+    constexpr std::size_t BLOCK = 32;  // with fixed bounds, so that the compiler can use wide registers
+    for (std::size_t at = 0; at < characters.size(); ++at) {
+      std::size_t end = at;
+      for (; end + BLOCK <= characters.size(); end += BLOCK) {
+        const auto* block = characters.data() + end;
+        unsigned char all = 1;
+        for (std::size_t i = 0; i < BLOCK; ++i) all &= static_cast<unsigned char>(plain(raw(block[i])));
+        if (!all) break;
       }
-      for (char32_t character : block) {
-        if (plain(character))
-          out.push_back(static_cast<char>(character));
-        else
-          special(character);
-      }
+      while (end < characters.size() && plain(raw(characters[end]))) ++end;
+      std::size_t size = out.size();
+      out.resize(size + (end - at));
+      std::transform(characters.data() + at, characters.data() + end, out.data() + size,
+                     [](auto character) { return static_cast<char>(raw(character)); });
+      if (end < characters.size()) special(characters[end]);
+      at = end;
     }
   });
 }

@@ -79,19 +79,25 @@ void check_readable(const std::string& content) {
   if (tags * 2 > MAX_XML_NODES / 4 * 3) throw Failure("too many paragraphs for an .odt file");
 }
 
-std::string paragraphs(const LineList& lines, const FormatList& fmt_lines, const IndexSet& pagebreak_lines) {
+// What is written: references of the caller's.
+struct Body {
+  const LineList& lines;
+  const FormatList& fmt_lines;
+  const IndexSet& pagebreak_lines;
+};
+
+void append_paragraphs(std::string& out, const Body& body) {
   std::size_t characters = 0;
-  for (const Text& line : lines) characters += line.size();
-  std::string out;
-  out.reserve(characters + characters / 8 + lines.size() * 48);
+  for (const Text& line : body.lines) characters += line.size();
+  constexpr std::size_t PARAGRAPH_MARKUP = 48, REST = 4096;
+  out.reserve(out.size() + characters + characters / 8 + body.lines.size() * PARAGRAPH_MARKUP + REST);
   const SpanList no_spans;
-  const int* next_break = pagebreak_lines.begin();
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    while (next_break != pagebreak_lines.end() && *next_break < static_cast<int>(i)) ++next_break;
-    bool new_page = next_break != pagebreak_lines.end() && *next_break == static_cast<int>(i);
-    append_paragraph(out, lines[i], i < fmt_lines.size() ? fmt_lines[i] : no_spans, new_page);
+  const int* next_break = body.pagebreak_lines.begin();
+  for (std::size_t i = 0; i < body.lines.size(); ++i) {
+    while (next_break != body.pagebreak_lines.end() && *next_break < static_cast<int>(i)) ++next_break;
+    bool new_page = next_break != body.pagebreak_lines.end() && *next_break == static_cast<int>(i);
+    append_paragraph(out, body.lines[i], i < body.fmt_lines.size() ? body.fmt_lines[i] : no_spans, new_page);
   }
-  return out;
 }
 
 // The tree that the body is put into: that of the old package if it has a place for text. One that is there
@@ -104,18 +110,25 @@ XmlTree base_tree(const std::optional<PackageReader>& old) {
   return XmlTree::parse(MINIMAL_CONTENT, "content.xml");
 }
 
-std::string content_xml(const XmlTree& tree, const std::string& body, bool with_spans, bool with_pagebreaks) {
+std::string content_xml(const XmlTree& tree, const Body& body) {
   using Place = XmlInsertion::Place;
+  bool with_spans =
+      std::any_of(body.fmt_lines.begin(), body.fmt_lines.end(), [](const SpanList& spans) { return !spans.empty(); });
   const XmlNode* automatic_styles = first_child(tree.root(), NS_OFFICE, "automatic-styles");
-  std::string styles = missing_styles(automatic_styles, with_spans, with_pagebreaks);
-  std::vector<XmlInsertion> insertions{{find_office_text(tree.root()), Place::INSTEAD_OF_CHILDREN, body}};
+  std::string styles = missing_styles(automatic_styles, with_spans, !body.pagebreak_lines.empty());
+  std::vector<XmlInsertion> insertions{{find_office_text(tree.root()), Place::INSTEAD_OF_CHILDREN,
+                                        [&](std::string& out) { append_paragraphs(out, body); }}};
+  auto append_styles = [&](std::string& out) { out += styles; };
   if (automatic_styles) {
-    insertions.push_back({automatic_styles, Place::BEHIND_CHILDREN, styles});
+    insertions.push_back({automatic_styles, Place::BEHIND_CHILDREN, append_styles});
   } else {
     styles = "<office:automatic-styles>" + styles + "</office:automatic-styles>";
-    insertions.push_back({first_child(tree.root(), NS_OFFICE, "body"), Place::BEFORE, styles});
+    insertions.push_back({first_child(tree.root(), NS_OFFICE, "body"), Place::BEFORE, append_styles});
   }
-  return serialise(tree.root(), NS, insertions);
+  std::string content = R"(<?xml version="1.0" encoding="UTF-8"?>)"
+                        "\n";
+  append_serialised(content, tree.root(), NS, insertions);
+  return content;
 }
 
 std::optional<PackageReader> open_old(const std::optional<std::string>& source_path) {
@@ -129,12 +142,7 @@ std::optional<PackageReader> open_old(const std::optional<std::string>& source_p
 void lines_to_odt(const LineList& lines, const std::string& path, const std::optional<std::string>& source_path,
                   const FormatList& fmt_lines, const IndexSet& pagebreak_lines) {
   std::optional<PackageReader> old = open_old(source_path);
-  bool with_spans =
-      std::any_of(fmt_lines.begin(), fmt_lines.end(), [](const SpanList& spans) { return !spans.empty(); });
-  std::string content = R"(<?xml version="1.0" encoding="UTF-8"?>)"
-                        "\n";
-  content +=
-      content_xml(base_tree(old), paragraphs(lines, fmt_lines, pagebreak_lines), with_spans, !pagebreak_lines.empty());
+  std::string content = content_xml(base_tree(old), Body{lines, fmt_lines, pagebreak_lines});
   check_readable(content);
 
   PackageWriter package;

@@ -17,7 +17,11 @@ std::string_view text_of(const xmlChar* characters) {
   return characters ? std::string_view(reinterpret_cast<const char*>(characters)) : std::string_view();
 }
 
-bool is_printable_ascii(char32_t c) { return (c - 0x20 < 0x5F) & (c != U'<') & (c != U'>') & (c != U'&'); }
+// Characters of any width that stand for themselves; without a branch, see append_in_runs.
+constexpr auto IS_PLAIN = [](auto c) {
+  using C = decltype(c);
+  return (static_cast<C>(c - 0x20) < C{0x5F}) & (c != C{'<'}) & (c != C{'>'}) & (c != C{'&'});
+};
 
 void append_special(std::string& out, char32_t c) {
   switch (c) {
@@ -57,9 +61,10 @@ void append_escaped_utf8(std::string& out, std::string_view text, bool in_attrib
 
 class Serialiser {
  public:
-  Serialiser(const XmlNode* root, std::span<const std::pair<std::string_view, std::string_view>> fixed,
+  Serialiser(std::string& out, const XmlNode* root,
+             std::span<const std::pair<std::string_view, std::string_view>> fixed,
              const std::vector<XmlInsertion>& insertions)
-      : _root(root), _insertions(insertions) {
+      : _out(out), _root(root), _insertions(insertions) {
     _prefixes[XML_URI] = "xml";
     for (const auto& [prefix, uri] : fixed) _declare(uri, prefix);
     for (const XmlNode* node = root; node; node = _next(node, _children(node))) {
@@ -69,7 +74,7 @@ class Serialiser {
     }
   }
 
-  std::string run() {
+  void run() {
     for (const XmlNode* node = _root; node;) {
       _open(node);
       const XmlNode* children = _children(node);
@@ -77,7 +82,6 @@ class Serialiser {
       while (!children && node != _root && !node->next) _close(node = node->parent);
       node = children ? children : node == _root ? nullptr : node->next;
     }
-    return std::move(_out);
   }
 
  private:
@@ -131,7 +135,7 @@ class Serialiser {
   }
 
   void _open(const XmlNode* node) {
-    if (const XmlInsertion* before = _insertion(node, XmlInsertion::Place::BEFORE)) _out += before->markup;
+    if (const XmlInsertion* before = _insertion(node, XmlInsertion::Place::BEFORE)) before->append(_out);
     switch (node->type) {
       case XML_ELEMENT_NODE:
         _open_element(node);
@@ -167,7 +171,7 @@ class Serialiser {
     }
     if (_is_empty(node)) return;
     _out += '>';
-    if (const XmlInsertion* inner = _insertion(node, XmlInsertion::Place::INSTEAD_OF_CHILDREN)) _out += inner->markup;
+    if (const XmlInsertion* inner = _insertion(node, XmlInsertion::Place::INSTEAD_OF_CHILDREN)) inner->append(_out);
   }
 
   void _close(const XmlNode* node) {
@@ -176,28 +180,29 @@ class Serialiser {
       _out += "/>";
       return;
     }
-    if (const XmlInsertion* last = _insertion(node, XmlInsertion::Place::BEHIND_CHILDREN)) _out += last->markup;
+    if (const XmlInsertion* last = _insertion(node, XmlInsertion::Place::BEHIND_CHILDREN)) last->append(_out);
     _out += "</";
     _append_name(node->ns, node->name);
     _out += '>';
   }
 
+  std::string& _out;
   const XmlNode* _root;
   const std::vector<XmlInsertion>& _insertions;
   std::map<std::string_view, std::string> _prefixes;                // by URI
   std::vector<std::pair<std::string, std::string_view>> _declared;  // prefix and URI, in document order
-  std::string _out;
 };
 
 }  // namespace
 
 void append_escaped(std::string& out, TextView text) {
-  append_in_blocks(out, text, is_printable_ascii, [&](char32_t character) { append_special(out, character); });
+  append_in_runs(out, text, IS_PLAIN, [&](char32_t character) { append_special(out, character); });
 }
 
-std::string serialise(const XmlNode* root, std::span<const std::pair<std::string_view, std::string_view>> fixed,
-                      const std::vector<XmlInsertion>& insertions) {
-  return Serialiser(root, fixed, insertions).run();
+void append_serialised(std::string& out, const XmlNode* root,
+                       std::span<const std::pair<std::string_view, std::string_view>> fixed,
+                       const std::vector<XmlInsertion>& insertions) {
+  Serialiser(out, root, fixed, insertions).run();
 }
 
 }  // namespace brenlow

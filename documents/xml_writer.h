@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,18 +16,19 @@ namespace brenlow {
 // that the document can be read again.
 void append_escaped(std::string& out, TextView text);
 
-// Finished markup that takes a place in a tree which is written.
+// Markup that takes a place in a tree which is written.
 struct XmlInsertion {
   enum class Place { BEFORE, INSTEAD_OF_CHILDREN, BEHIND_CHILDREN };
   const XmlNode* node;
   Place place;
-  std::string_view markup;
+  std::function<void(std::string&)> append;
 };
 
-// Writes the element with all below it, without a declaration. Every namespace that is declared anywhere is
+// Appends the element with all below it, without a declaration. Every namespace that is declared anywhere is
 // declared on the outermost element: those of `fixed` (prefix, URI) with their prefixes, the others with
 // the prefix they had, where it is free.
-std::string serialise(const XmlNode* root, std::span<const std::pair<std::string_view, std::string_view>> fixed,
-                      const std::vector<XmlInsertion>& insertions);
+void append_serialised(std::string& out, const XmlNode* root,
+                       std::span<const std::pair<std::string_view, std::string_view>> fixed,
+                       const std::vector<XmlInsertion>& insertions);
 
 }  // namespace brenlow
