@@ -8,6 +8,7 @@
 #include <exception>
 #include <iostream>
 #include <span>
+#include <sstream>
 
 #include "core/editor.h"
 #include "core/unicode.h"
@@ -44,7 +45,7 @@ bool with_screen(Body&& body) {
   const char* term = std::getenv("TERM");
   SCREEN* terminal = ::newterm(nullptr, stdout, stdin);
   if (!terminal) {
-    std::cerr << "brenlow: cannot use this terminal (TERM=" << (term ? term : "") << ")\n";
+    std::cerr << "brenlow: cannot use this terminal (TERM=" << plain_print(term ? term : "") << ")\n";
     return false;
   }
   struct Restore {
@@ -84,7 +85,8 @@ int main(int count, char** arguments) {
   };
   try {
     if (given("--font-debug")) {
-      std::cout << font_debug_text() << "\n";
+      std::istringstream text(font_debug_text());
+      for (std::string line; std::getline(text, line);) std::cout << plain_print(line) << "\n";
       return 0;
     }
     if (given("--key-debug")) return with_screen(run_key_debug) ? 0 : 1;
@@ -92,7 +94,7 @@ int main(int count, char** arguments) {
     if (!words.empty()) path = words[0];
     return with_screen([&](WINDOW* window) { edit(window, path); }) ? 0 : 1;
   } catch (const std::exception& failure) {
-    std::cerr << "brenlow: " << failure.what() << "\n";
+    std::cerr << "brenlow: " << plain_print(failure.what()) << "\n";
     return 1;
   }
 }

@@ -51,6 +51,20 @@ std::size_t ascii_run(std::string_view bytes, std::size_t at) {
   return end - at;
 }
 
+struct CharacterRange {
+  char32_t first, last;
+};
+
+// Default_Ignorable_Code_Point of the Unicode Character Database, and a few others that act like it.
+constexpr std::array FORMAT_CHARACTERS = {
+    CharacterRange{0x00AD, 0x00AD},   CharacterRange{0x034F, 0x034F},   CharacterRange{0x061C, 0x061C},
+    CharacterRange{0x115F, 0x1160},   CharacterRange{0x17B4, 0x17B5},   CharacterRange{0x180B, 0x180F},
+    CharacterRange{0x200B, 0x200F},   CharacterRange{0x2028, 0x202E},   CharacterRange{0x2060, 0x206F},
+    CharacterRange{0x3164, 0x3164},   CharacterRange{0xFE00, 0xFE0F},   CharacterRange{0xFEFF, 0xFEFF},
+    CharacterRange{0xFFA0, 0xFFA0},   CharacterRange{0xFFF0, 0xFFFB},   CharacterRange{0x1BCA0, 0x1BCA3},
+    CharacterRange{0x1D173, 0x1D17A}, CharacterRange{0xE0000, 0xE0FFF},
+};
+
 }  // namespace
 
 std::size_t decode_utf8_into(std::string_view bytes, char32_t* out) {
@@ -139,6 +153,18 @@ std::string lowered_ascii(std::string_view text) {
   for (char& c : out)
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
   return out;
+}
+
+bool is_format_character(char32_t character) {
+  auto range = std::ranges::lower_bound(FORMAT_CHARACTERS, character, {}, &CharacterRange::last);
+  return range != FORMAT_CHARACTERS.end() && character >= range->first;
+}
+
+std::string plain_print(std::string_view bytes) {
+  std::u32string text = decode_utf8(bytes);
+  auto is_foreign = [](char32_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0) || is_format_character(c); };
+  std::ranges::replace_if(text, is_foreign, REPLACEMENT);
+  return encode_utf8(text);
 }
 
 bool is_space(char32_t c) {

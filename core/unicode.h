@@ -52,6 +52,13 @@ char32_t lower(char32_t character);
 std::u32string lowered(TextView text);
 std::string lowered_ascii(std::string_view text);
 
+// Characters without a sign of their own, which terminals leave out or take as orders: soft hyphen, zero-width blanks
+// and joiners, direction and annotation signs, line separators, fillers, variation selectors, tags.
+bool is_format_character(char32_t character);
+// Bytes of unknown origin (a path, a variable) as one line that a terminal may be given: what is no UTF-8, a control
+// character or a format character becomes U+FFFD.
+std::string plain_print(std::string_view bytes);
+
 // White space as Unicode defines it, with the information separators U+001C to U+001F.
 bool is_space(char32_t character);
 TextView trimmed(TextView text);

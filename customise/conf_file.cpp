@@ -1,5 +1,7 @@
 #include "customise/conf_file.h"
 
+#include <array>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -49,11 +51,13 @@ std::string_view strip_quote_marks(std::string_view text) {
 }
 
 std::string single_quoted(std::string_view text) {
-  constexpr std::string_view HEX = "0123456789abcdef";
   std::string out = "'";
   for (char32_t c : decode_utf8(text)) {
-    if (c < 0x20 || (c >= 0x7F && c < 0xA0)) {
-      out += {'\\', 'x', HEX[c >> 4], HEX[c & 15]};
+    if (c < 0x20 || (c >= 0x7F && c < 0xA0) || is_format_character(c)) {
+      std::array<char, 12> escape{};
+      const char* form = c < 0x100 ? "\\x%02x" : c < 0x10000 ? "\\u%04x" : "\\U%08x";
+      std::snprintf(escape.data(), escape.size(), form, static_cast<unsigned>(c));
+      out += escape.data();
       continue;
     }
     if (c == U'\\' || c == U'\'') out += '\\';

@@ -96,7 +96,7 @@ Expansions _load_expansions(const ConfigFiles& files) {
   try {
     return parse_expansions(read_conf_file(files.EXPANSIONS_FILE), std::cerr);
   } catch (const std::exception& failure) {
-    std::cerr << "brenlow: could not read expansions.conf: " << failure.what() << '\n';
+    std::cerr << "brenlow: could not read expansions.conf: " << plain_print(failure.what()) << '\n';
   }
   return {};
 }
@@ -105,7 +105,7 @@ void _write_default_expansions_conf(const ConfigFiles& files) {
   try {
     write_conf_file(files.CONFIG_DIR, files.EXPANSIONS_FILE, DEFAULT_EXPANSIONS_CONF);
   } catch (const std::exception& failure) {
-    std::cerr << "brenlow: could not write expansions.conf: " << failure.what() << '\n';
+    std::cerr << "brenlow: could not write expansions.conf: " << plain_print(failure.what()) << '\n';
   }
 }
 

@@ -138,7 +138,7 @@ bool write_keys_conf(const ConfigFiles& files, const std::vector<std::pair<std::
     write_conf_file(files.CONFIG_DIR, files.KEYS_FILE, keys_file_text(overrides));
     return true;
   } catch (const std::exception& failure) {
-    std::cerr << "brenlow: could not write keys.conf: " << failure.what() << '\n';
+    std::cerr << "brenlow: could not write keys.conf: " << plain_print(failure.what()) << '\n';
     return false;
   }
 }
@@ -277,7 +277,7 @@ KeyMap _load_keymap(const ConfigFiles& files) {
   try {
     text = read_conf_file(files.KEYS_FILE);
   } catch (const std::exception& failure) {
-    std::cerr << "brenlow: could not read keys.conf: " << failure.what() << '\n';
+    std::cerr << "brenlow: could not read keys.conf: " << plain_print(failure.what()) << '\n';
   }
   return parse_keys(text, std::cerr);
 }

@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   write_file(scratch.path, text);
   DocumentTriple document = txt_to_lines(scratch.path);
   require(!document.lines.empty() && document.lines.size() == document.fmt_lines.size());
-  for (const Text& line : document.lines) require(line.view().find(U'\n') == std::u32string_view::npos);
+  for (const Text& line : document.lines) require(line.view().str().find(U'\n') == std::u32string::npos);
   lines_to_txt(document.lines, scratch.path);
   if (document.lines.size() > 1 && document.lines.back().length() == 0) document.lines.pop_back();
   require(txt_to_lines(scratch.path).lines == document.lines);

@@ -1,10 +1,11 @@
 #include "screen/canvas.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <cwchar>
 #include <string>
+
+#include "core/unicode.h"
 
 namespace brenlow::screen {
 
@@ -13,27 +14,6 @@ namespace {
 constexpr char32_t TAB_SIGN = U'→';
 constexpr char32_t FORMAT_SIGN = U'·';
 constexpr char32_t UNPRINTABLE_SIGN = U'\uFFFD';
-
-struct CharacterRange {
-  char32_t first, last;
-};
-
-// Characters without a sign of their own, which terminals leave out or take as orders: soft hyphen, zero-width blanks
-// and joiners, direction and annotation signs, line separators, fillers, variation selectors, tags. That is
-// Default_Ignorable_Code_Point of the Unicode Character Database, and a few others that act like it.
-constexpr std::array FORMAT_CHARACTERS = {
-    CharacterRange{0x00AD, 0x00AD},   CharacterRange{0x034F, 0x034F},   CharacterRange{0x061C, 0x061C},
-    CharacterRange{0x115F, 0x1160},   CharacterRange{0x17B4, 0x17B5},   CharacterRange{0x180B, 0x180F},
-    CharacterRange{0x200B, 0x200F},   CharacterRange{0x2028, 0x202E},   CharacterRange{0x2060, 0x206F},
-    CharacterRange{0x3164, 0x3164},   CharacterRange{0xFE00, 0xFE0F},   CharacterRange{0xFEFF, 0xFEFF},
-    CharacterRange{0xFFA0, 0xFFA0},   CharacterRange{0xFFF0, 0xFFFB},   CharacterRange{0x1BCA0, 0x1BCA3},
-    CharacterRange{0x1D173, 0x1D17A}, CharacterRange{0xE0000, 0xE0FFF},
-};
-
-bool is_format_character(char32_t c) {
-  auto range = std::ranges::lower_bound(FORMAT_CHARACTERS, c, {}, &CharacterRange::last);
-  return range != FORMAT_CHARACTERS.end() && c >= range->first;
-}
 
 // What stands for `character` in its cell.
 std::uint64_t shown_as(char32_t character) {

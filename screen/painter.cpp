@@ -74,7 +74,10 @@ void Painter::_stretch(int row, int column, std::span<const Cell> cells) {
   _move(row, column);
   for (auto cell = cells.begin(); cell != written; ++cell) {
     room -= cell->is(Cell::WIDE) ? 2 : 1;
-    if (room < 0) return;  // pushed off the screen by wide characters
+    if (room < 0) {                                                         // pushed off the screen by wide characters
+      if (room == -1 && cell->is(Cell::WIDE)) _set_look(0), _frame += ' ';  // half of this one would have fitted
+      return;
+    }
     if (cell->look() != _current) _set_look(cell->look());
     _character(*cell);
   }

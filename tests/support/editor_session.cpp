@@ -121,8 +121,14 @@ class EditorSession::Terminal {
         _output_came.wait_for(lock, STALL_LIMIT, [&] { return (end = _output.find(mark)) != std::string::npos; });
     if (!arrived) throw std::runtime_error("the terminal's output does not arrive");
     _picture.feed(std::string_view(_output).substr(0, end));
+    _shown.append(_output, 0, end);
     _output.erase(0, end + mark.size());
     return _picture;
+  }
+
+  const std::string& output() {
+    screen();
+    return _shown;
   }
 
   // While one lives, the session must not wait longer than STALL_LIMIT.
@@ -175,6 +181,7 @@ class EditorSession::Terminal {
   std::mutex _mutex;  // guards _picture, _output and _stalled_at
   std::condition_variable _output_came;
   std::string _output;  // not yet fed to _picture
+  std::string _shown;   // fed to it
   std::optional<steady_clock::time_point> _stalled_at;
   std::atomic<bool> _stop = false;
   int _marks = 0;
@@ -276,6 +283,8 @@ const TerminalScreen& EditorSession::draw() {
   _editor->draw();
   return screen();
 }
+
+const std::string& EditorSession::output() { return _terminal->output(); }
 
 const TerminalScreen& EditorSession::screen() { return _terminal->screen(); }
 

@@ -59,6 +59,8 @@ class EditorSession {
   std::vector<std::string> rows() { return draw().all_rows(); }
   // The screen without drawing anew: what a dialog that has just ended left there.
   const TerminalScreen& screen();
+  // Every byte that the session has written to the terminal until now.
+  const std::string& output();
 
  private:
   class Terminal;
