@@ -33,21 +33,48 @@ void Canvas::reset(int rows, int cols) {
   _cols = std::max(cols, 0);
   _drawn.assign(static_cast<std::size_t>(_rows) * static_cast<std::size_t>(_cols), Cell{});
   _shown = _drawn;
+  _states.assign(static_cast<std::size_t>(_rows), {});
   _reset = true;
   _cursor = {0, 0};
   _written_end = {-1, -1};
 }
 
+std::span<Cell> Canvas::_cells(std::vector<Cell>& picture, int row) {
+  auto width = static_cast<std::size_t>(_cols);
+  return {picture.data() + static_cast<std::size_t>(row) * width, width};
+}
+
 void Canvas::erase() {
-  std::fill(_drawn.begin(), _drawn.end(), Cell{});
+  for (RowState& state : _states) state.stale = true;
   _written_end = {-1, -1};
+}
+
+void Canvas::_blank(int row) {
+  std::span<Cell> cells = _cells(_drawn, row);
+  std::fill(cells.begin(), cells.end(), Cell{});
+  _states[static_cast<std::size_t>(row)] = {.touched = true};
+}
+
+void Canvas::mark(int row, std::uint64_t content) {
+  if (row >= 0 && row < _rows) _states[static_cast<std::size_t>(row)].content = content;
+}
+
+bool Canvas::keep(int row, std::uint64_t content) {
+  if (row < 0 || row >= _rows || content == 0) return false;
+  RowState& state = _states[static_cast<std::size_t>(row)];
+  if (!state.stale || state.content != content) return false;
+  state.stale = false;
+  return true;
 }
 
 void Canvas::put(int row, int column, TextView text, Style style) {
   if (text.empty() || row < 0 || column < 0 || row >= _rows || column >= _cols) return;
   text = text.substr(0, static_cast<std::size_t>(_cols - column));
-  Cell* cell =
-      &_drawn[static_cast<std::size_t>(row) * static_cast<std::size_t>(_cols) + static_cast<std::size_t>(column)];
+  RowState& state = _states[static_cast<std::size_t>(row)];
+  if (state.stale) _blank(row);
+  state.touched = true;
+  state.content = 0;
+  Cell* cell = &_cells(_drawn, row)[static_cast<std::size_t>(column)];
   std::uint64_t look = Cell::look_of(style);
   text.visit([&](auto characters) {
     // Plain text, which is most of it, in loops that the compiler can run on several cells at once.
@@ -74,13 +101,16 @@ void Canvas::place_cursor(int row, int column) {
 }
 
 void Canvas::show(const std::function<void(int, int, std::span<const Cell>)>& emit) {
-  for (int row = 0; row < _rows; ++row) _show_row(row, emit);
+  for (int row = 0; row < _rows; ++row) {
+    RowState& state = _states[static_cast<std::size_t>(row)];
+    if (state.stale) _blank(row);
+    if (std::exchange(state.touched, false)) _show_row(row, emit);
+  }
 }
 
 void Canvas::_show_row(int row, const std::function<void(int, int, std::span<const Cell>)>& emit) {
-  auto begin = static_cast<std::size_t>(row) * static_cast<std::size_t>(_cols);
-  std::span<const Cell> drawn(&_drawn[begin], static_cast<std::size_t>(_cols));
-  std::span<Cell> shown(&_shown[begin], static_cast<std::size_t>(_cols));
+  std::span<const Cell> drawn = _cells(_drawn, row);
+  std::span<Cell> shown = _cells(_shown, row);
   if (std::memcmp(drawn.data(), shown.data(), drawn.size_bytes()) == 0) return;
   auto first = std::mismatch(drawn.begin(), drawn.end(), shown.begin()).first;
   auto wide = [](const Cell& cell) { return cell.is(Cell::WIDE); };

@@ -40,7 +40,7 @@ struct Cell {
 };
 
 // The picture that is being drawn and the one that was shown last. Everything that is drawn is drawn into
-// here; only what differs goes on to the screen library, so a frame costs its cells once, in this array.
+// here; only what differs goes on to the terminal.
 class Canvas {
  public:
   int rows() const { return _rows; }
@@ -48,7 +48,12 @@ class Canvas {
   // Makes both pictures blank; the terminal's screen has to be cleared then, too.
   void reset(int rows, int cols);
   bool take_reset() { return std::exchange(_reset, false); }  // whether reset was called since the last time
+  // Begins a new picture: a row that nothing is put on, and that is not kept, becomes blank.
   void erase();
+  // For a row that is dear to draw: `mark` gives what was drawn on it a number, not 0, and `keep` leaves the row
+  // as it is and returns true if it holds just that, with nothing put on it since.
+  void mark(int row, std::uint64_t content);
+  bool keep(int row, std::uint64_t content);
   // Writes text from a cell on. Every character takes the cells of plain print: controls and characters
   // that cannot be shown become one visible cell, a combining mark stands alone. What falls off the screen is
   // dropped; nothing wraps, scrolls or fails.
@@ -64,11 +69,19 @@ class Canvas {
   void show(const std::function<void(int, int, std::span<const Cell>)>& emit);
 
  private:
+  struct RowState {
+    bool stale = false;         // from before the last erase
+    bool touched = false;       // may differ from what was shown
+    std::uint64_t content = 0;  // as marked; 0: something else
+  };
+  std::span<Cell> _cells(std::vector<Cell>& picture, int row);
+  void _blank(int row);
   void _show_row(int row, const std::function<void(int, int, std::span<const Cell>)>& emit);
 
   int _rows = 0, _cols = 0;
   bool _reset = false;
   std::vector<Cell> _drawn, _shown;
+  std::vector<RowState> _states;  // one per row
   std::pair<int, int> _cursor{0, 0};
   std::pair<int, int> _written_end{-1, -1};  // the cell behind the last one that put wrote
 };

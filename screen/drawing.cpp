@@ -174,12 +174,36 @@ screen::Style Editor::_cell_style(const RowLayers& layers, int position, int& ru
   return style;
 }
 
+// Whether the row still holds what it would be drawn from; if not, takes down what it will.
+bool Editor::_row_is_drawn(int screen_row, const MapEntry& entry, std::pair<int, int> selection) {
+  bool marked = _find_active || !_kgrep_term.empty() || _folded_chapters.contains(entry.ly);
+  DrawnRow row{.line = _line(entry.ly),
+               .format = _fmt(entry.ly),
+               .syntax = _syn_rules.empty() ? SharedArray<SyntaxSpan>() : _syn_spans(entry.ly),
+               .start = entry.start,
+               .length = entry.length,
+               .selection = selection,
+               .margins = {_lmargin(), _rmargin()},
+               .content = marked ? 0 : ++_row_contents};
+  DrawnRow& before = _drawn_rows[screen_row];
+  if (!marked && before.made_of_the_same(row) && _canvas.keep(screen_row, before.content)) return true;
+  before = std::move(row);
+  return false;
+}
+
 void Editor::_draw_text_row(int row, const MapEntry& entry, RowLayers& layers) {
   int start = entry.start;
   int end = start + entry.length;
+  int screen_row = row + _text_top();
+  layers.selection = {0, 0};
+  if (std::optional<Range> range = _sel_range(); range && entry.ly >= range->sy && entry.ly <= range->ey) {
+    auto [from, to] = _range_columns(*range, entry.ly);
+    layers.selection = {from - start, to - start};
+  }
+  if (_row_is_drawn(screen_row, entry, layers.selection)) return;
+
   std::u32string composed;
   TextView text = _row_text(entry, composed);
-
   clip_spans(_fmt(entry.ly), start, end, layers.format);
   if (_syn_rules.empty())
     layers.syntax.clear();
@@ -188,15 +212,9 @@ void Editor::_draw_text_row(int row, const MapEntry& entry, RowLayers& layers) {
   _collect_line_layers(entry.ly, layers);
   clip(layers.line_kgrep, start, end, layers.kgrep);
   clip(layers.line_find, start, end, layers.find);
-  layers.selection = {0, 0};
-  if (std::optional<Range> range = _sel_range(); range && entry.ly >= range->sy && entry.ly <= range->ey) {
-    auto [from, to] = _range_columns(*range, entry.ly);
-    layers.selection = {from - start, to - start};
-  }
 
   int column = _lmargin();
   int edge = cols() - _rmargin();
-  int screen_row = row + _text_top();
   if (_is_list_continuation(entry)) {
     _canvas.put(screen_row, column, U"  ");
     column += 2;
@@ -211,6 +229,7 @@ void Editor::_draw_text_row(int row, const MapEntry& entry, RowLayers& layers) {
     column += length;
     position = run_end;
   }
+  _canvas.mark(screen_row, _drawn_rows[screen_row].content);
 }
 
 }  // namespace brenlow

@@ -73,6 +73,11 @@ void Painter::_stretch(int row, int column, std::span<const Cell> cells) {
   }
   _move(row, column);
   for (auto cell = cells.begin(); cell != written; ++cell) {
+    if (auto end = _plain_run(cell, written, room); end != cell) {
+      room -= static_cast<int>(end - cell);
+      cell = end - 1;
+      continue;
+    }
     room -= cell->is(Cell::WIDE) ? 2 : 1;
     if (room < 0) {                                                         // pushed off the screen by wide characters
       if (room == -1 && cell->is(Cell::WIDE)) _set_look(0), _frame += ' ';  // half of this one would have fitted
@@ -86,8 +91,26 @@ void Painter::_stretch(int row, int column, std::span<const Cell> cells) {
   _frame += clr_eol;
 }
 
+// Writes the ASCII characters of one look that begin at `cell`, at most `room`; returns the end.
+std::span<const Cell>::iterator Painter::_plain_run(std::span<const Cell>::iterator cell,
+                                                    std::span<const Cell>::iterator end, int room) {
+  if (cell->look() != _current) return cell;
+  constexpr std::uint64_t NOT_PLAIN = ~Cell::ANCHOR & ~std::uint64_t{0x7F};
+  end = std::min(end, cell + std::max(room, 0));
+  auto stop = std::find_if(cell, end, [this](const Cell& c) { return (c.bits & NOT_PLAIN) != _current; });
+  std::size_t at = _frame.size();
+  _frame.resize(at + static_cast<std::size_t>(stop - cell));
+  for (; cell != stop; ++cell) _frame[at++] = static_cast<char>(cell->bits & 0x7F);
+  return stop;
+}
+
 void Painter::_move(int row, int column) {
-  if (const char* sequence = ::tiparm(cursor_address, row, column)) _frame += sequence;
+  constexpr std::size_t MOST_KEPT = 1024;
+  if (_moves.size() > MOST_KEPT) _moves.clear();
+  auto [known, is_new] = _moves.try_emplace(row << 16 | column);
+  if (is_new)
+    if (const char* sequence = ::tiparm(cursor_address, row, column)) known->second = sequence;
+  _frame += known->second;
 }
 
 void Painter::_character(const Cell& cell) {

@@ -4,6 +4,7 @@
 #include <map>
 #include <span>
 #include <string>
+#include <unordered_map>
 
 #include "screen/canvas.h"
 
@@ -24,6 +25,8 @@ class Painter {
 
  private:
   void _stretch(int row, int column, std::span<const Cell> cells);
+  std::span<const Cell>::iterator _plain_run(std::span<const Cell>::iterator cell, std::span<const Cell>::iterator end,
+                                             int room);
   void _move(int row, int column);
   void _character(const Cell& cell);
   void _set_look(std::uint64_t look);
@@ -35,6 +38,7 @@ class Painter {
   bool _started = false;
   int _rows = 0, _cols = 0;                     // of the canvas that is being shown
   std::string _frame;                           // what goes to the terminal
+  std::unordered_map<int, std::string> _moves;  // the sequences that move the cursor, by place
   std::map<std::uint64_t, std::string> _looks;  // the sequence that sets a look, whatever was set before
   std::uint64_t _current = 0;                   // the look that is set in the terminal
   std::pair<int, int> _cursor{-1, -1};          // where the terminal's cursor was left

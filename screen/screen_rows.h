@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <utility>
 #include <vector>
 
 #include "core/gap_list.h"
 #include "core/spans.h"
+#include "core/text.h"
 #include "customise/syntax_rules.h"
 
 namespace brenlow {
@@ -28,6 +30,22 @@ struct ShiftNumber {
   void operator()(int& number, int amount) const { number += amount; }
 };
 using PlaceList = GapList<int, ShiftNumber>;
+
+// What a row of text on the screen was drawn from. The handles keep it from being anything else meanwhile.
+struct DrawnRow {
+  Text line;
+  SpanList format;
+  SharedArray<SyntaxSpan> syntax;
+  int start, length;
+  std::pair<int, int> selection;
+  std::pair<int, int> margins;
+  std::uint64_t content;  // the number that the canvas has for it
+
+  bool made_of_the_same(const DrawnRow& other) const {
+    return line.same(other.line) && format.same(other.format) && syntax.same(other.syntax) && start == other.start &&
+           length == other.length && selection == other.selection && margins == other.margins;
+  }
+};
 
 // What lies over the characters of one line: first the lists of the whole line, kept while its rows are
 // drawn one behind the other, then the same clipped to a row and counted from its start.
