@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "core/failure.h"
 #include "core/unicode.h"
 #include "documents/odt_reader.h"
 #include "documents/plain_text.h"
@@ -55,7 +56,7 @@ void Editor::_load_first_document() {
     _show_message("Opened: " + path_base_name(*filepath));
   } catch (const std::exception& failure) {
     _install_document({});
-    _show_message(std::string("Error opening file: ") + failure.what());
+    _show_message("Error opening file: " + reason_of(failure));
   }
 }
 

@@ -11,6 +11,9 @@ struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// What to tell the user of any failure.
+std::string reason_of(const std::exception& failure);
+
 // `what` and the system's words for `error_number` behind a colon.
 Failure system_failure(const std::string& what, int error_number);
 

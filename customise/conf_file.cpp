@@ -76,7 +76,7 @@ void write_conf_file(const std::string& folder, const std::string& path, std::st
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) throw system_failure(folder, error.value());
-  write_file(path, text);
+  write_file(path, text, Durability::LATER);
 }
 
 bool path_exists(const std::string& path) {

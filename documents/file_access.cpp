@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "core/failure.h"
+#include "core/signals.h"
 
 namespace brenlow {
 
@@ -36,8 +37,14 @@ std::optional<struct stat> status_of(const std::string& path) {
   throw failure_of(errno);
 }
 
+constexpr unsigned NEW_FILE_MODE = 0666;  // less what the user's mask takes away
+
+FileDescriptor open_any(const std::string& path, int flags, unsigned mode = NEW_FILE_MODE) {
+  return FileDescriptor(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, mode));
+}
+
 FileDescriptor open_checked(const std::string& path, int flags) {
-  FileDescriptor file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
+  FileDescriptor file = open_any(path, flags);
   if (file.get() < 0) throw failure_of(errno);
   struct stat status;
   if (::fstat(file.get(), &status) != 0) throw failure_of(errno);
@@ -84,9 +91,9 @@ std::string read_up_to(int file, std::size_t limit, std::size_t size_hint) {
   return bytes;
 }
 
-// 0 or the error number.
-int write_at_start(int file, std::string_view bytes) {
-  std::size_t written = 0;
+// 0 or the error number; `written` is how far it came.
+int write_at_start(int file, std::string_view bytes, std::size_t& written) {
+  written = 0;
   while (written < bytes.size()) {
     std::size_t step = std::min<std::size_t>(bytes.size() - written, INT_MAX / 2);
     ssize_t count = ::pwrite(file, bytes.data() + written, step, static_cast<off_t>(written));
@@ -100,7 +107,6 @@ int write_at_start(int file, std::string_view bytes) {
 // Makes sure that `size` bytes have room, without changing the file's size. Where the file system cannot
 // reserve, it is left to the writing to find out.
 int reserve([[maybe_unused]] int file, std::size_t size) {
-  // Beyond this limit a write would end the process by a signal.
   struct rlimit limit;
   if (::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY && size > limit.rlim_cur) return EFBIG;
 #ifdef __linux__
@@ -116,46 +122,73 @@ int reserve([[maybe_unused]] int file, std::size_t size) {
 
 int shrink_to(int file, std::size_t size) { return ::ftruncate(file, static_cast<off_t>(size)) == 0 ? 0 : errno; }
 
+// Waits until the disk has it. What cannot be flushed, such as some network folders, counts as flushed.
+int flush_to_disk(int file) {
+  int result = 0;
+  do {
+#if defined(__APPLE__)
+    result = ::fcntl(file, F_FULLFSYNC) == 0 ? 0 : ::fsync(file);
+#elif defined(__linux__)
+    result = ::fdatasync(file);
+#else
+    result = ::fsync(file);
+#endif
+  } while (result != 0 && errno == EINTR);
+  return result == 0 || errno == EINVAL || errno == ENOTSUP || errno == ENOSYS ? 0 : errno;
+}
+
 // Network file systems report a failed write when a descriptor is closed; closing a second one first
 // tells it while the old content can still be put back.
-int flush(int file) {
-  int second = ::dup(file);
+int flush_to_system(int file) {
+  int second = ::fcntl(file, F_DUPFD_CLOEXEC, 0);
   if (second < 0) return errno;
   return ::close(second) == 0 ? 0 : errno;
 }
 
-int write_whole(int file, std::string_view bytes) {
-  if (int error = write_at_start(file, bytes)) return error;
+int write_whole(int file, std::string_view bytes, Durability durability, std::size_t& written) {
+  if (int error = write_at_start(file, bytes, written)) return error;
   if (int error = shrink_to(file, bytes.size())) return error;
-  return flush(file);
+  return durability == Durability::ON_DISK ? flush_to_disk(file) : flush_to_system(file);
 }
 
 int close_checked(FileDescriptor file) { return ::close(file.release()) == 0 || errno == EINTR ? 0 : errno; }
 
-void write_new(const std::string& path, std::string_view bytes) {
-  FileDescriptor file = open_checked(path, O_WRONLY | O_CREAT | O_EXCL);
+// A new file is on the disk only when its folder knows of it. A folder that may not be read is left alone.
+int flush_folder_of(const std::string& path) {
+  std::size_t slash = path.rfind('/');
+  std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+  FileDescriptor opened = open_any(folder, O_RDONLY | O_DIRECTORY);
+  return opened.get() < 0 ? 0 : flush_to_disk(opened.get());
+}
+
+// Fills a file that was just made; takes it away again on a failure.
+void fill_new(FileDescriptor file, const std::string& path, std::string_view bytes, Durability durability) {
+  std::size_t written = 0;
   int error = reserve(file.get(), bytes.size());
-  if (!error) error = write_whole(file.get(), bytes);
+  if (!error) error = write_whole(file.get(), bytes, durability, written);
   if (int close_error = close_checked(std::move(file)); !error) error = close_error;
+  if (!error && durability == Durability::ON_DISK) error = flush_folder_of(path);
   if (!error) return;
   ::unlink(path.c_str());
   throw failure_of(error);
 }
 
-void overwrite(const std::string& path, std::string_view bytes) {
+void overwrite(const std::string& path, std::string_view bytes, Durability durability) {
   FileDescriptor file = open_checked(path, O_RDWR);
   struct stat status;
   if (::fstat(file.get(), &status) != 0) throw failure_of(errno);
   std::size_t old_size = static_cast<std::size_t>(status.st_size);
-  // What lies behind the new content stays on the disk until the very last step.
-  std::size_t touched = std::min(old_size, bytes.size());
-  std::string old = read_up_to(file.get(), touched, touched);
+  std::string old = read_up_to(file.get(), old_size, old_size);
   if (int error = reserve(file.get(), bytes.size())) {
     shrink_to(file.get(), old_size);  // gives back what was reserved behind the end
     throw failure_of(error);
   }
-  if (int error = write_whole(file.get(), bytes)) {
-    bool restored = write_at_start(file.get(), old) == 0 && shrink_to(file.get(), old_size) == 0;
+  std::size_t written = 0;
+  if (int error = write_whole(file.get(), bytes, durability, written)) {
+    // Once all was written, the end of a longer old content may have been cut off too.
+    std::string_view damaged = std::string_view(old).substr(0, written < bytes.size() ? written : old_size);
+    bool restored = shrink_to(file.get(), old_size) == 0 && write_at_start(file.get(), damaged, written) == 0;
+    flush_to_disk(file.get());
     std::string words = std::generic_category().message(error);
     throw Failure(restored ? words : words + "; the old content could not be put back");
   }
@@ -212,11 +245,24 @@ SharedArray<char> read_shared_file(const std::string& path, std::size_t limit) {
   return SharedArray<char>(whole);
 }
 
-void write_file(const std::string& path, std::string_view bytes) {
+void write_file(const std::string& path, std::string_view bytes, Durability durability) {
+  const SignalSetting too_large_may_fail(SIGXFSZ, SIG_IGN);
   std::optional<struct stat> status = status_of(path);
-  if (!status) return write_new(link_target(path), bytes);
-  refuse_special(*status);
-  overwrite(path, bytes);
+  if (status) {
+    refuse_special(*status);
+    return overwrite(path, bytes, durability);
+  }
+  std::string target = link_target(path);
+  fill_new(open_checked(target, O_WRONLY | O_CREAT | O_EXCL), target, bytes, durability);
+}
+
+bool write_new_file(const std::string& path, std::string_view bytes, unsigned mode) {
+  const SignalSetting too_large_may_fail(SIGXFSZ, SIG_IGN);
+  FileDescriptor file = open_any(path, O_WRONLY | O_CREAT | O_EXCL, mode);
+  if (file.get() < 0 && errno == EEXIST) return false;
+  if (file.get() < 0) throw failure_of(errno);
+  fill_new(std::move(file), path, bytes, Durability::ON_DISK);
+  return true;
 }
 
 }  // namespace brenlow

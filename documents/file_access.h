@@ -32,9 +32,16 @@ std::string read_file(const std::string& path, std::size_t limit);
 // The same, in storage that the lines of a document can share.
 SharedArray<char> read_shared_file(const std::string& path, std::size_t limit);
 
+// Whether written content has reached the disk when the call returns, or is left to the system to write out.
+enum class Durability { ON_DISK, LATER };
+
 // Replaces the content of `path` in place, keeping its owner, mode and links. The space is reserved before
 // the first old byte is overwritten and every write, flush and close is checked; on a failure the old
 // content is there as before, and a file that was not there is gone again. Throws Failure.
-void write_file(const std::string& path, std::string_view bytes);
+void write_file(const std::string& path, std::string_view bytes, Durability durability = Durability::ON_DISK);
+
+// Makes a file with this content, on the disk when the call returns. False where a file is already.
+// Throws Failure; nothing is then left behind.
+bool write_new_file(const std::string& path, std::string_view bytes, unsigned mode);
 
 }  // namespace brenlow

@@ -139,8 +139,8 @@ std::optional<PackageReader> open_old(const std::optional<std::string>& source_p
 
 }  // namespace
 
-void lines_to_odt(const LineList& lines, const std::string& path, const std::optional<std::string>& source_path,
-                  const FormatList& fmt_lines, const IndexSet& pagebreak_lines) {
+std::string odt_bytes(const LineList& lines, const std::optional<std::string>& source_path,
+                      const FormatList& fmt_lines, const IndexSet& pagebreak_lines) {
   std::optional<PackageReader> old = open_old(source_path);
   std::string content = content_xml(base_tree(old), Body{lines, fmt_lines, pagebreak_lines});
   check_readable(content);
@@ -155,7 +155,13 @@ void lines_to_odt(const LineList& lines, const std::string& path, const std::opt
   }
   package.add_deflated("content.xml", std::move(content));
   package.add_deflated("meta.xml", make_meta_xml());
-  write_file(path, package.finish());
+  return package.finish();
+}
+
+void lines_to_odt(const LineList& lines, const std::string& path,
+                  const std::optional<std::string>& source_path, const FormatList& fmt_lines,
+                  const IndexSet& pagebreak_lines) {
+  write_file(path, odt_bytes(lines, source_path, fmt_lines, pagebreak_lines), Durability::ON_DISK);
 }
 
 }  // namespace brenlow

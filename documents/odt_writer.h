@@ -9,10 +9,15 @@
 
 namespace brenlow {
 
-// Writes an OpenDocument Text package to `path`. `source_path` names an existing package whose other
-// members, styles and root attributes are kept; all reading is done before the target is touched.
-// Throws Failure; the target is then as it was, as far as the system allows.
-void lines_to_odt(const LineList& lines, const std::string& path, const std::optional<std::string>& source_path,
-                  const FormatList& fmt_lines, const IndexSet& pagebreak_lines);
+// The bytes of an OpenDocument Text package. `source_path` names an existing package whose other members,
+// styles and root attributes are kept. Throws Failure.
+std::string odt_bytes(const LineList& lines, const std::optional<std::string>& source_path,
+                      const FormatList& fmt_lines, const IndexSet& pagebreak_lines);
+
+// Writes odt_bytes to `path`; all reading is done before the target is touched. Throws Failure; the target is
+// then as it was, as far as the system allows.
+void lines_to_odt(const LineList& lines, const std::string& path,
+                  const std::optional<std::string>& source_path, const FormatList& fmt_lines,
+                  const IndexSet& pagebreak_lines);
 
 }  // namespace brenlow

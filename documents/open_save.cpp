@@ -57,10 +57,9 @@ struct SaveRoute {
 
 SaveRoute save_route(const std::string& path, const std::string& default_extension) {
   std::string ext = path_extension(path);
-  if (is_plain_text_extension(ext)) return {path, ext, "Saved (" + upper_case(ext.substr(1)) + "): "};
-  if (ext == ".odt") return {path, ext, "Saved (ODT): "};
-  std::string kind = upper_case(default_extension);
-  std::string written = "." + default_extension;
+  std::string written = saved_extension(path, default_extension);
+  std::string kind = upper_case(written.substr(1));
+  if (ext == written) return {path, ext, "Saved (" + kind + "): "};
   if (ext.empty()) return {path + written, written, "Saved (" + kind + "): "};
   return {path + written, written, "Unknown extension '" + ext + "' — saved as " + kind + ": "};
 }
@@ -102,7 +101,7 @@ void Editor::_save_to(const std::string& path) {
     _load_syntax(route.extension);
     add_recent_file(_machine.files, route.target);
   } catch (const std::exception& failure) {
-    _show_message(std::string("Save error: ") + failure.what());
+    _show_message("Save error: " + reason_of(failure));
   }
 }
 
@@ -166,7 +165,7 @@ void Editor::do_open() {
     add_recent_file(_machine.files, *path);
     _show_message("Opened: " + path_base_name(*path));
   } catch (const std::exception& failure) {
-    _show_message(std::string("Open error: ") + failure.what());
+    _show_message("Open error: " + reason_of(failure));
   }
 }
 
@@ -224,7 +223,7 @@ void Editor::do_insert_document() {
                   path_base_name(*path));
     _kgrep_refresh();
   } catch (const std::exception& failure) {
-    _show_message(std::string("Insert error: ") + failure.what());
+    _show_message("Insert error: " + reason_of(failure));
   }
 }
 

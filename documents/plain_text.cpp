@@ -81,6 +81,12 @@ bool is_plain_text_extension(std::string_view extension) {
   return extension == ".txt" || extension == ".md" || extension == ".fountain";
 }
 
+std::string saved_extension(std::string_view path, std::string_view default_extension) {
+  std::string extension = path_extension(path);
+  if (extension == ".odt" || is_plain_text_extension(extension)) return extension;
+  return "." + std::string(default_extension);
+}
+
 DocumentTriple txt_to_lines(const std::string& path) {
   SharedArray<char> file = read_shared_file(path, MAX_FILE_BYTES);
   std::string_view bytes(file.data(), file.size());
@@ -98,7 +104,7 @@ DocumentTriple txt_to_lines(const std::string& path) {
   return document;
 }
 
-void lines_to_txt(const LineList& lines, const std::string& path) {
+std::string txt_bytes(const LineList& lines) {
   std::size_t characters = lines.size();
   for (const Text& line : lines) characters += line.size();
   std::string bytes;
@@ -107,7 +113,11 @@ void lines_to_txt(const LineList& lines, const std::string& path) {
     if (i > 0) bytes += '\n';
     append_utf8_text(bytes, lines[i]);
   }
-  write_file(path, bytes);
+  return bytes;
+}
+
+void lines_to_txt(const LineList& lines, const std::string& path) {
+  write_file(path, txt_bytes(lines), Durability::ON_DISK);
 }
 
 }  // namespace brenlow

@@ -13,6 +13,7 @@
 #include <csignal>
 #include <filesystem>
 
+#include "core/signals.h"
 #include "terminal/descriptor.h"
 #include "terminal/environment.h"
 
@@ -28,27 +29,6 @@ using Clock = std::chrono::steady_clock;
 // a helper that it left behind may hold the streams open. Doubles while nothing happens.
 constexpr std::chrono::milliseconds SHORTEST_PAUSE{1};
 constexpr std::chrono::milliseconds LONGEST_PAUSE{16};
-
-// Sets what a signal does for as long as it lives.
-class SignalSetting {
- public:
-  SignalSetting(int signal, void (*handler)(int)) : _signal(signal) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    sigemptyset(&action.sa_mask);
-    _changed = ::sigaction(_signal, &action, &_before) == 0;
-  }
-  SignalSetting(const SignalSetting&) = delete;
-  SignalSetting& operator=(const SignalSetting&) = delete;
-  ~SignalSetting() {
-    if (_changed) ::sigaction(_signal, &_before, nullptr);
-  }
-
- private:
-  int _signal;
-  bool _changed;
-  struct sigaction _before {};
-};
 
 // A descriptor above the three standard ones, closed on exec, so that arranging those three in the child
 // cannot hit it even if the session was started without them.

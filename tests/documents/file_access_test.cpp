@@ -5,9 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "core/failure.h"
+#include "tests/support/faults.h"
 #include "tests/support/temporary_folder.h"
 
 namespace brenlow::test {
@@ -61,21 +63,96 @@ TEST(FileAccess, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
   EXPECT_EQ(reading(folder.write("fits", std::string(100, 'x'))), "");
 }
 
-TEST(FileAccess, WithoutRoomTheOldFileStaysAndANewOneIsGoneAgain) {
+// Saves over a file and as a new file, with contents shorter and longer than the old one, and tells what became
+// of them: "" if each time the save failed with `reason` and the old content was left.
+std::string failing_saves(const TemporaryFolder& folder, const std::string& reason) {
+  const std::string path = folder.file("old.txt"), fresh = folder.file("new.txt");
+  const std::string before = read_bytes(path);
+  for (std::size_t size : {std::size_t{60'000}, before.size() / 2}) {
+    std::string told = failure_of([&] { write_file(path, std::string(size, 'x')); });
+    if (told != reason) return "told: " + told;
+    if (read_bytes(path) != before) return "the old content is damaged by " + std::to_string(size) + " bytes";
+    told = failure_of([&] { write_file(fresh, std::string(size, 'x')); });
+    if (told != reason) return "told of a new file: " + told;
+    if (std::filesystem::exists(fresh)) return "a broken file is left";
+  }
+  return "";
+}
+
+TEST(FileAccess, AFailedWriteLeavesTheOldContentWhateverFails) {
+  struct Fault {
+    SystemCall call;
+    int error;
+    std::string reason;
+  };
   TemporaryFolder folder;
-  std::string path = folder.write("a.txt", "old content");
-  struct rlimit before;
-  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-  struct rlimit small = before;
-  small.rlim_cur = 1 << 16;
-  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-  std::string over = failure_of([&] { write_file(path, std::string(1 << 20, 'x')); });
-  std::string fresh = failure_of([&] { write_file(folder.file("new.txt"), std::string(1 << 20, 'x')); });
-  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-  EXPECT_EQ(over, "File too large");
-  EXPECT_EQ(fresh, "File too large");
-  EXPECT_EQ(read_bytes(path), "old content");
-  EXPECT_FALSE(std::filesystem::exists(folder.file("new.txt")));
+  folder.write("old.txt", std::string(10'000, 'o') + "end");
+  for (const Fault& fault :
+       {Fault{SystemCall::RESERVE, EDQUOT, "Disk quota exceeded"},
+        Fault{SystemCall::RESERVE, EIO, "Input/output error"}, Fault{SystemCall::WRITE_AT, EIO, "Input/output error"},
+        Fault{SystemCall::FLUSH, EIO, "Input/output error"},
+        Fault{SystemCall::FLUSH, ENOSPC, "No space left on device"},
+        Fault{SystemCall::FLUSH, EDQUOT, "Disk quota exceeded"}}) {
+    const std::string told = apart(
+        [&] { return fail_calls(fault.call, fault.error) ? failing_saves(folder, fault.reason) : NOT_TO_BE_HAD; });
+    if (told == NOT_TO_BE_HAD) GTEST_SKIP() << told;
+    EXPECT_EQ(told, "") << static_cast<int>(fault.call) << " " << fault.reason;
+  }
+}
+
+TEST(FileAccess, AFullDiskLeavesTheOldContentAlsoWhereNoRoomCanBeReserved) {
+  TemporaryFolder folder;
+  for (bool reservable : {true, false}) {
+    const std::string told = apart([&]() -> std::string {
+      if (!mount_small_disk(folder.path(), 64 << 10)) return NOT_TO_BE_HAD;
+      if (!reservable && !fail_calls(SystemCall::RESERVE, EOPNOTSUPP)) return NOT_TO_BE_HAD;
+      folder.write("old.txt", std::string(10'000, 'o') + "end");
+      folder.write("filler", std::string(40'000, 'f'));
+      std::string before = read_bytes(folder.file("old.txt"));
+      for (const char* name : {"old.txt", "new.txt"}) {
+        std::string reason = failure_of([&] { write_file(folder.file(name), std::string(60'000, 'x')); });
+        if (reason != "No space left on device") return "told: " + reason;
+      }
+      if (read_bytes(folder.file("old.txt")) != before) return "the old content is damaged";
+      if (std::filesystem::exists(folder.file("new.txt"))) return "a broken file is left";
+      write_file(folder.file("old.txt"), std::string(12'000, 'x'));
+      if (!make_disk_read_only(folder.path())) return "not made read-only";
+      return failure_of([&] { write_file(folder.file("old.txt"), "x"); }) +
+             failure_of([&] { write_file(folder.file("new.txt"), "x"); });
+    });
+    if (told == NOT_TO_BE_HAD) GTEST_SKIP() << told;
+    EXPECT_EQ(told, "Read-only file systemRead-only file system") << "room can be reserved: " << reservable;
+  }
+}
+
+TEST(FileAccess, AFileOfAnotherUserOrWithoutTheRightToWriteIsLeftAlone) {
+  TemporaryFolder folder;
+  const std::string own = folder.write("own.txt", "old"), locked = folder.write("locked/a.txt", "old");
+  ASSERT_EQ(::chmod(own.c_str(), 0444), 0);
+  ASSERT_EQ(::chmod(folder.file("locked").c_str(), 0), 0);
+  ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+  const std::string told = apart([&]() -> std::string {
+    constexpr uid_t NOBODY = 65534;
+    if (::geteuid() == 0 && ::setuid(NOBODY) != 0) return "still root";
+    std::string reasons;
+    for (const std::string& path : {own, locked, folder.file("locked/new.txt")})
+      reasons += failure_of([&] { write_file(path, "new"); }) + ";";
+    return reasons;
+  });
+  EXPECT_EQ(told, "Permission denied;Permission denied;Permission denied;");
+  EXPECT_EQ(read_bytes(own), "old");
+}
+
+// A limit that was lowered since the file was written, too: more than it can then be neither written nor lost.
+TEST(FileAccess, AFileSizeLimitNeitherEndsTheProcessNorCostsTheOldContent) {
+  TemporaryFolder folder;
+  folder.write("old.txt", std::string(10'000, 'o') + "end");
+  const std::string told = apart([&]() -> std::string {
+    const struct rlimit small = {4'000, RLIM_INFINITY};
+    if (::setrlimit(RLIMIT_FSIZE, &small) != 0) return "no limit";
+    return failing_saves(folder, "File too large");
+  });
+  EXPECT_EQ(told, "");
 }
 
 }  // namespace
