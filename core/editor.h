@@ -274,8 +274,11 @@ class Editor {
   bool _wait_for_input(std::optional<std::chrono::milliseconds> limit);
   void _look_at_resize_watch();
   int _read_escape_seq();  // call right after a read gave 27
+  // Reads on until `bytes` are a key of the map, which it returns, or can become none, or the time is over.
+  std::optional<int> _read_sequence(std::string& bytes);
   std::optional<int> _escape_token(std::string_view bytes) const;
-  void _patch_esc_map_from_terminfo();
+  bool _terminfo_asked = false;         // done at the first sequence that the map does not have
+  bool _patch_esc_map_from_terminfo();  // true: the map has new rows
   const std::u32string* _expansion_for(int key) const;
 
   // ---- syntax -------------------- customise/syntax_state.cpp, customise/syntax_colours.cpp

@@ -76,7 +76,6 @@ void Editor::_prepare_terminal() {
   sigemptyset(&winch);
   sigaddset(&winch, SIGWINCH);
   ::sigprocmask(SIG_BLOCK, &winch, nullptr);
-  _patch_esc_map_from_terminfo();
   screen::prepare_keyboard(stdscr);
   _send_cursor_shape();
 }

@@ -41,15 +41,16 @@ void Editor::_load_keys() {
   _ESC_MAP = default_escape_map();
 }
 
-void Editor::_patch_esc_map_from_terminfo() {
+bool Editor::_patch_esc_map_from_terminfo() {
+  _terminfo_asked = true;
   const char* term = std::getenv("TERM");
-  if (!term || !*term) return;
+  if (!term || !*term) return false;
   ChildOptions options;
   options.time_limit = INFOCMP_LIMIT;
   options.search_path = _machine.search_path;
   auto run = run_child({"infocmp", "-1", "-x", term}, options);
-  if (run && run->status == 0)
-    ::brenlow::_patch_esc_map_from_terminfo(_ESC_MAP, _parse_terminfo_sequences(run->output));
+  return run && run->status == 0 &&
+         !::brenlow::_patch_esc_map_from_terminfo(_ESC_MAP, _parse_terminfo_sequences(run->output)).empty();
 }
 
 const std::u32string* Editor::_expansion_for(int key) const {
@@ -141,8 +142,7 @@ std::optional<int> Editor::_escape_token(std::string_view bytes) const {
   return plain_kitty_key(bytes);
 }
 
-int Editor::_read_escape_seq() {
-  std::string bytes;
+std::optional<int> Editor::_read_sequence(std::string& bytes) {
   const auto deadline = Clock::now() + SEQUENCE_TIME;
   auto time_left = [&] {
     return std::max(std::chrono::duration_cast<milliseconds>(deadline - Clock::now()), milliseconds(0));
@@ -157,12 +157,25 @@ int Editor::_read_escape_seq() {
     }
     if (next == KEY_ESC && bytes.empty()) {
       --_input_at;  // the next key begins here, with its own sequence perhaps
-      return KEY_ESC;
+      break;
     }
     bytes.push_back(static_cast<char>(next));
-    if (auto token = _escape_token(bytes)) return *token;
+    if (auto token = _escape_token(bytes)) return token;
     if (bytes.size() == 1 && is_plain_key(_ESC_MAP, bytes[0])) break;
   }
+  return std::nullopt;
+}
+
+int Editor::_read_escape_seq() {
+  std::string bytes;
+  auto token = _read_sequence(bytes);
+  // Asking at the start would delay it by a fifth, and most terminals send only what the map has.
+  if (!token && !bytes.empty() && !_terminfo_asked && _patch_esc_map_from_terminfo()) {
+    _input.insert(_input_at, bytes);
+    bytes.clear();
+    token = _read_sequence(bytes);
+  }
+  if (token) return *token;
   if (bytes.size() == 1) _pending_main_ch = static_cast<unsigned char>(bytes[0]);
   return KEY_ESC;
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
 #include <random>
 
 #include "terminal/descriptor.h"
@@ -93,12 +94,17 @@ TEST(KeyReader, ATerminalsOwnSequencesAreLearnedAndNoneIsReplaced) {
   EditorSession session;
   FakeTools tools;
   session->_machine.search_path = tools.search_path();
-  const std::size_t built_in = session->_ESC_MAP.size();
-  tools.add("infocmp",
-            "cat <<'END'\nxterm|a comment,\n\tkUP=\\E[7;2x,\n\tkLFT5=\\E[A,\n\tkDN=^B,\n\tkRIT=\\E%p1,\nEND");
-  session->_patch_esc_map_from_terminfo();
-  EXPECT_EQ(session->_ESC_MAP.size(), built_in + 1);
-  EXPECT_EQ(keys_of(session, "\x1b[7;2x\x1b[A"), (Keys{_KEY_SHIFT_UP, KEY_UP}));
+  tools.add(
+      "infocmp",
+      "echo >>$0.asked; cat <<'END'\nxterm|a comment,\n\tkUP=\\E[7;2x,\n\tkLFT5=\\E[A,\n\tkDN=^B,\n\tkRIT=\\E%p1,\n\t"
+      "kLFT=\\Ezyx,\nEND");
+  const std::filesystem::path asked = tools.search_path() + "/infocmp.asked";
+  EXPECT_EQ(keys_of(session, "\x1b\x1b[A"), (Keys{KEY_ESC, KEY_UP}));
+  EXPECT_FALSE(std::filesystem::exists(asked)) << "the terminal was asked for keys that are known";
+  // The very key that has the question asked is read like those after it, with what was typed behind it.
+  EXPECT_EQ(keys_of(session, "\x1bzyx\x1b[7;2xq\x1b[A"), (Keys{_KEY_SHIFT_LEFT, _KEY_SHIFT_UP, 'q', KEY_UP}));
+  EXPECT_EQ(keys_of(session, "\x1b[9;9x"), Keys{KEY_ESC});
+  EXPECT_EQ(std::filesystem::file_size(asked), 1U) << "the terminal was asked again";
 }
 
 TEST(KeyReader, AWaitingReadComesBackForANewSizeAndEndsWithTheTerminal) {
