@@ -52,7 +52,7 @@ void Editor::_load_first_document() {
   }
   try {
     _install_document(is_plain_text_extension(path_extension(*filepath)) ? txt_to_lines(*filepath)
-                                                                         : odt_to_rich(*filepath));
+                                                                         : odt_to_rich(*filepath, &_kept_content));
     _show_message("Opened: " + path_base_name(*filepath));
   } catch (const std::exception& failure) {
     _install_document({});

@@ -25,6 +25,7 @@
 #include "customise/key_map.h"
 #include "customise/settings.h"
 #include "customise/syntax_rules.h"
+#include "documents/kept_content.h"
 #include "screen/canvas.h"
 #include "screen/painter.h"
 #include "screen/screen_rows.h"
@@ -386,6 +387,7 @@ class Editor {
   void do_unicode_picker();
 
   // ---- open, save, insert -------------------------------------------- documents/open_save.cpp
+  KeptContent _kept_content;  // of the .odt read or written last
   void do_save();
   void do_save_as();
   void do_open();

@@ -10,7 +10,6 @@
 #include <climits>
 #include <cstdlib>
 #include <memory>
-#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -243,6 +242,18 @@ SharedArray<char> read_shared_file(const std::string& path, std::size_t limit) {
   std::string whole = read_up_to(file.get(), limit + 1, size);
   if (whole.size() > limit) throw failure_of(EFBIG);
   return SharedArray<char>(whole);
+}
+
+std::optional<FileStamp> file_stamp(const std::string& path) {
+  struct stat status;
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+#ifdef __APPLE__
+  const timespec& changed = status.st_ctimespec;
+#else
+  const timespec& changed = status.st_ctim;
+#endif
+  return FileStamp{static_cast<std::int64_t>(status.st_dev), static_cast<std::int64_t>(status.st_ino), status.st_size,
+                   changed.tv_sec, changed.tv_nsec};
 }
 
 void write_file(const std::string& path, std::string_view bytes, Durability durability) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,6 +34,12 @@ FileDescriptor open_regular_file(const std::string& path);
 std::string read_file(const std::string& path, std::size_t limit);
 // The same, in storage that the lines of a document can share.
 SharedArray<char> read_shared_file(const std::string& path, std::size_t limit);
+
+// Tells a file from every other and from itself after a change: device, number, size, and the time of the last
+// change as precisely as the system keeps it.
+using FileStamp = std::array<std::int64_t, 5>;
+// That of the file behind all links; nothing where none is.
+std::optional<FileStamp> file_stamp(const std::string& path);
 
 // Whether written content has reached the disk when the call returns, or is left to the system to write out.
 enum class Durability { ON_DISK, LATER };

@@ -10,6 +10,7 @@
 #include "documents/odt_paragraph.h"
 #include "documents/odt_styles.h"
 #include "documents/xml_tree.h"
+#include "documents/xml_writer.h"
 #include "documents/zip_package.h"
 
 namespace brenlow {
@@ -80,7 +81,8 @@ class ParagraphReader {
 
 }  // namespace
 
-DocumentTriple odt_to_rich(const std::string& path) {
+DocumentTriple odt_to_rich(const std::string& path, KeptContent* kept) {
+  const std::optional<FileStamp> stamp = file_stamp(path);
   PackageReader package = PackageReader::from_file(path);
   const std::optional<XmlTree> styles_xml = read_styles_xml(package);
   // Styles stand before the text that they are for. Where some do not, the text is read once more, knowing all.
@@ -92,9 +94,13 @@ DocumentTriple odt_to_rich(const std::string& path) {
       if (!reader) reader.emplace(*known);
       reader->read(node);
     });
-    if (!reader) return {};
     all = collect_styles(content.root(), styles_xml);
-    if (all == known) return std::move(*reader).document();
+    if (reader && all != known) continue;
+    if (kept) {
+      *kept = {stamp, {}};
+      append_serialised(kept->xml, content.root(), NS, {});
+    }
+    return reader ? std::move(*reader).document() : DocumentTriple();
   }
 }
 

@@ -1,9 +1,8 @@
 #include "documents/odt_writer.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <set>
 #include <string>
@@ -41,8 +40,9 @@ constexpr GeneratedStyle PAGEBREAK_STYLE = {
 
 constexpr std::string_view SPAN_STYLES[] = {"", "T_Bold", "T_Italic", "T_BoldItalic"};  // by format bits
 
-// The markup of the styles needed that `automatic_styles` (may be null) does not hold yet.
-std::string missing_styles(const XmlNode* automatic_styles, bool with_spans, bool with_pagebreaks) {
+// The markup of the styles needed that the tree does not hold yet.
+std::string missing_styles(const XmlTree& tree, const FormatList& fmt_lines, const IndexSet& pagebreak_lines) {
+  const XmlNode* automatic_styles = first_child(tree.root(), NS_OFFICE, "automatic-styles");
   std::set<std::string_view> existing;
   for (const XmlNode* style = first_child(automatic_styles, NS_STYLE, "style"); style;
        style = next_of(style, NS_STYLE, "style"))
@@ -51,8 +51,10 @@ std::string missing_styles(const XmlNode* automatic_styles, bool with_spans, boo
   auto add = [&](const GeneratedStyle& style) {
     if (!existing.contains(style.name)) markup += style.markup;
   };
+  bool with_spans =
+      std::any_of(fmt_lines.begin(), fmt_lines.end(), [](const SpanList& spans) { return !spans.empty(); });
   if (with_spans) std::for_each(std::begin(TEXT_STYLES), std::end(TEXT_STYLES), add);
-  if (with_pagebreaks) add(PAGEBREAK_STYLE);
+  if (!pagebreak_lines.empty()) add(PAGEBREAK_STYLE);
   return markup;
 }
 
@@ -79,47 +81,52 @@ void check_readable(const std::string& content) {
   if (tags * 2 > MAX_XML_NODES / 4 * 3) throw Failure("too many paragraphs for an .odt file");
 }
 
-// What is written: references of the caller's.
-struct Body {
-  const LineList& lines;
-  const FormatList& fmt_lines;
-  const IndexSet& pagebreak_lines;
+void append_paragraphs(std::string& out, const LineList& lines, const FormatList& fmt_lines,
+                       const IndexSet& pagebreak_lines) {
+  std::size_t characters = 0;
+  for (const Text& line : lines) characters += line.size();
+  constexpr std::size_t PARAGRAPH_MARKUP = 48, REST = 4096;
+  out.reserve(out.size() + characters + characters / 8 + lines.size() * PARAGRAPH_MARKUP + REST);
+  const SpanList no_spans;
+  const int* next_break = pagebreak_lines.begin();
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    while (next_break != pagebreak_lines.end() && *next_break < static_cast<int>(i)) ++next_break;
+    bool new_page = next_break != pagebreak_lines.end() && *next_break == static_cast<int>(i);
+    append_paragraph(out, lines[i], i < fmt_lines.size() ? fmt_lines[i] : no_spans, new_page);
+  }
+}
+
+// The old package that is kept from.
+struct Source {
+  std::optional<FileStamp> file;
+  std::optional<PackageReader> package;
 };
 
-void append_paragraphs(std::string& out, const Body& body) {
-  std::size_t characters = 0;
-  for (const Text& line : body.lines) characters += line.size();
-  constexpr std::size_t PARAGRAPH_MARKUP = 48, REST = 4096;
-  out.reserve(out.size() + characters + characters / 8 + body.lines.size() * PARAGRAPH_MARKUP + REST);
-  const SpanList no_spans;
-  const int* next_break = body.pagebreak_lines.begin();
-  for (std::size_t i = 0; i < body.lines.size(); ++i) {
-    while (next_break != body.pagebreak_lines.end() && *next_break < static_cast<int>(i)) ++next_break;
-    bool new_page = next_break != body.pagebreak_lines.end() && *next_break == static_cast<int>(i);
-    append_paragraph(out, body.lines[i], i < body.fmt_lines.size() ? body.fmt_lines[i] : no_spans, new_page);
-  }
+Source open_source(const std::optional<std::string>& path) {
+  if (!path) return {};
+  std::optional<FileStamp> file = file_stamp(*path);
+  if (!file) return {};
+  return {file, PackageReader::from_bytes(read_file(*path, std::numeric_limits<std::int32_t>::max()))};
 }
 
 // The tree that the body is put into: that of the old package if it has a place for text. One that is there
 // and cannot be read is a failure: what it holds would be lost.
-XmlTree base_tree(const std::optional<PackageReader>& old) {
-  if (old && old->has("content.xml")) {
-    XmlTree tree = read_content(*old);
+XmlTree base_tree(const Source& source, const KeptContent* kept) {
+  bool known = source.file && kept && kept->file == source.file;
+  if (known || (source.package && source.package->has("content.xml"))) {
+    XmlTree tree = known ? XmlTree::parse(kept->xml, "content.xml") : read_content(*source.package);
     if (find_office_text(tree.root())) return tree;
   }
   return XmlTree::parse(MINIMAL_CONTENT, "content.xml");
 }
 
-std::string content_xml(const XmlTree& tree, const Body& body) {
+using Append = std::function<void(std::string&)>;
+
+std::string content_xml(const XmlTree& tree, std::string styles, const Append& append_text) {
   using Place = XmlInsertion::Place;
-  bool with_spans =
-      std::any_of(body.fmt_lines.begin(), body.fmt_lines.end(), [](const SpanList& spans) { return !spans.empty(); });
-  const XmlNode* automatic_styles = first_child(tree.root(), NS_OFFICE, "automatic-styles");
-  std::string styles = missing_styles(automatic_styles, with_spans, !body.pagebreak_lines.empty());
-  std::vector<XmlInsertion> insertions{{find_office_text(tree.root()), Place::INSTEAD_OF_CHILDREN,
-                                        [&](std::string& out) { append_paragraphs(out, body); }}};
-  auto append_styles = [&](std::string& out) { out += styles; };
-  if (automatic_styles) {
+  std::vector<XmlInsertion> insertions{{find_office_text(tree.root()), Place::INSTEAD_OF_CHILDREN, append_text}};
+  const Append append_styles = [&](std::string& out) { out += styles; };
+  if (const XmlNode* automatic_styles = first_child(tree.root(), NS_OFFICE, "automatic-styles")) {
     insertions.push_back({automatic_styles, Place::BEHIND_CHILDREN, append_styles});
   } else {
     styles = "<office:automatic-styles>" + styles + "</office:automatic-styles>";
@@ -131,37 +138,35 @@ std::string content_xml(const XmlTree& tree, const Body& body) {
   return content;
 }
 
-std::optional<PackageReader> open_old(const std::optional<std::string>& source_path) {
-  struct stat status;
-  if (!source_path || ::stat(source_path->c_str(), &status) != 0) return std::nullopt;
-  return PackageReader::from_bytes(read_file(*source_path, std::numeric_limits<std::int32_t>::max()));
-}
-
 }  // namespace
 
-std::string odt_bytes(const LineList& lines, const std::optional<std::string>& source_path,
-                      const FormatList& fmt_lines, const IndexSet& pagebreak_lines) {
-  std::optional<PackageReader> old = open_old(source_path);
-  std::string content = content_xml(base_tree(old), Body{lines, fmt_lines, pagebreak_lines});
+std::string odt_bytes(const LineList& lines, const std::optional<std::string>& source_path, const FormatList& fmt_lines,
+                      const IndexSet& pagebreak_lines, KeptContent* kept) {
+  const Source source = open_source(source_path);
+  const XmlTree tree = base_tree(source, kept);
+  const std::string styles = missing_styles(tree, fmt_lines, pagebreak_lines);
+  std::string content =
+      content_xml(tree, styles, [&](std::string& out) { append_paragraphs(out, lines, fmt_lines, pagebreak_lines); });
   check_readable(content);
 
   PackageWriter package;
   package.add_stored("mimetype", std::string(ODT_MIME_TYPE));
-  if (old) {
-    package.copy_members(*old, {"mimetype", "content.xml", "meta.xml"});
+  if (source.package) {
+    package.copy_members(*source.package, {"mimetype", "content.xml", "meta.xml"});
   } else {
     package.add_deflated("styles.xml", std::string(MINIMAL_STYLES));
     package.add_deflated("META-INF/manifest.xml", std::string(MINIMAL_MANIFEST));
   }
   package.add_deflated("content.xml", std::move(content));
   package.add_deflated("meta.xml", make_meta_xml());
+  if (kept) *kept = {std::nullopt, content_xml(tree, styles, [](std::string&) {})};
   return package.finish();
 }
 
-void lines_to_odt(const LineList& lines, const std::string& path,
-                  const std::optional<std::string>& source_path, const FormatList& fmt_lines,
-                  const IndexSet& pagebreak_lines) {
-  write_file(path, odt_bytes(lines, source_path, fmt_lines, pagebreak_lines), Durability::ON_DISK);
+void lines_to_odt(const LineList& lines, const std::string& path, const std::optional<std::string>& source_path,
+                  const FormatList& fmt_lines, const IndexSet& pagebreak_lines, KeptContent* kept) {
+  write_file(path, odt_bytes(lines, source_path, fmt_lines, pagebreak_lines, kept), Durability::ON_DISK);
+  if (kept) kept->file = file_stamp(path);
 }
 
 }  // namespace brenlow

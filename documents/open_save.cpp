@@ -33,8 +33,8 @@ std::string upper_case(std::string text) {
   return text;
 }
 
-DocumentTriple load_document(const std::string& path) {
-  return is_plain_text_extension(path_extension(path)) ? txt_to_lines(path) : odt_to_rich(path);
+DocumentTriple load_document(const std::string& path, KeptContent* kept = nullptr) {
+  return is_plain_text_extension(path_extension(path)) ? txt_to_lines(path) : odt_to_rich(path, kept);
 }
 
 bool is_empty_document(const DocumentTriple& triple) { return triple.lines.size() == 1 && triple.lines[0].empty(); }
@@ -94,7 +94,7 @@ void Editor::_save_to(const std::string& path) {
       lines_to_txt(lines, route.target);
     else
       lines_to_odt(lines, route.target, exists(route.target) ? std::optional(route.target) : std::nullopt, fmt_lines,
-                   pagebreak_lines);
+                   pagebreak_lines, &_kept_content);
     filepath = route.target;
     modified = false;
     _show_message(route.message + path_base_name(route.target));
@@ -161,7 +161,7 @@ void Editor::do_open() {
     return;
   }
   try {
-    _reset_for_document(load_document(*path), *path);
+    _reset_for_document(load_document(*path, &_kept_content), *path);
     add_recent_file(_machine.files, *path);
     _show_message("Opened: " + path_base_name(*path));
   } catch (const std::exception& failure) {

@@ -198,6 +198,28 @@ TEST(OdtWriter, TheRestOfTheOldContentStaysWithThePrefixesOfTheFormat) {
   EXPECT_EQ(print_notation(odt_to_rich(path)), "a\n⏎b") << "the old T_Bold is not bold";
 }
 
+TEST(OdtWriter, ContentKeptInMemoryIsUsedOnlyWhileTheFileHoldsIt) {
+  TemporaryFolder folder;
+  std::string path = folder.file("a.odt"), reread = folder.file("b.odt");
+  KeptContent kept;
+  DocumentTriple document = parse_notation("<b>a</b>\n⏎b").document;
+  auto save_both = [&] {
+    lines_to_odt(document.lines, path, path, document.fmt_lines, document.pagebreak_lines, &kept);
+    lines_to_odt(document.lines, reread, reread, document.fmt_lines, document.pagebreak_lines);
+    return content_of(path) == content_of(reread);
+  };
+  for (const char* sample : {"/office.odt", "/web_page.odt", "/office.odt"}) {
+    std::string bytes = read_bytes(std::string(BRENLOW_TEST_DATA) + sample);
+    write_bytes(path, bytes);
+    write_bytes(reread, bytes);
+    EXPECT_TRUE(save_both()) << sample << " was written by another program";
+    EXPECT_TRUE(save_both()) << sample << " as written";
+    DocumentTriple opened = odt_to_rich(path, &kept);
+    EXPECT_EQ(opened, document);
+    EXPECT_TRUE(save_both()) << sample << " as opened";
+  }
+}
+
 TEST(OdtWriter, ATargetThatCannotBeKeptIsNotOverwritten) {
   TemporaryFolder folder;
   auto kept = [&](const std::string& path, const std::string& words) {
