@@ -134,11 +134,11 @@ int Editor::_getch_key() {
   return key == 0 ? _KEY_CTRL_SPACE : key;
 }
 
-// The key that the bytes behind ESC stand for. Ctrl+Alt and a letter that no action is bound to stays ESC
-// followed by the key.
+// The key that the bytes behind ESC stand for. Ctrl+Alt and a letter outside the map that no action is bound to
+// stays ESC followed by the key.
 std::optional<int> Editor::_escape_token(std::string_view bytes) const {
-  if (auto letter = ctrl_alt_letter(bytes)) return _km_rev.contains(*letter) ? letter : std::nullopt;
   if (auto row = _ESC_MAP.find(bytes); row != _ESC_MAP.end()) return row->second;
+  if (auto letter = ctrl_alt_letter(bytes)) return _km_rev.contains(*letter) ? letter : std::nullopt;
   return plain_kitty_key(bytes);
 }
 
