@@ -75,7 +75,8 @@ struct StopRequest {};
 //   - every span lies within its line, start before end, bits 1 to 3;
 //   - `pagebreak_lines` holds indices of lines, and never 0 once a command is over;
 //   - `cy` is a line and `cx` lies from 0 to its length;
-//   - while clean, the screen map and its three companions equal those built afresh.
+//   - while clean, the screen map and its three companions equal those built afresh;
+//   - while clean, the colours kept for a line are those of its text and formats.
 class Editor {
  public:
   explicit Editor(_win_st* screen, std::optional<std::string> path = std::nullopt, Machine machine = {});
@@ -253,6 +254,7 @@ class Editor {
   // ---- checks ------------------------------------------------------- core/session_check.cpp
   // Throws std::logic_error naming the invariant that does not hold.
   void _check_session();
+  bool _has_true_colours(int ly) const;
 
   // ---- keys ------------------------------------------------------ customise/key_reader.cpp
   KeyMap _km;                                    // action to key token

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <stdexcept>
 
 #include "core/editor.h"
@@ -6,14 +7,21 @@ namespace brenlow {
 
 namespace {
 
-// A document of more lines is not held against a map built afresh: the check would grow with it.
+// Documents of more lines are not held against a map and colours made afresh: the check would grow with them.
 constexpr int MAP_CHECK_LINES = 2000;
+constexpr int COLOUR_CHECK_LINES = 200;
 
 void require(bool holds, const char* invariant) {
   if (!holds) throw std::logic_error(std::string("session: ") + invariant);
 }
 
 }  // namespace
+
+bool Editor::_has_true_colours(int ly) const {
+  const SyntaxLine& kept = _syn_lines[static_cast<std::size_t>(ly)];
+  return !kept.computed ||
+         std::ranges::equal(kept.spans, _compute_syn_spans(_line(ly).view().str(), _syn_rules, _fmt(ly)));
+}
 
 void Editor::_check_session() {
   require(!lines.empty(), "a document has at least one line");
@@ -34,6 +42,8 @@ void Editor::_check_session() {
     _word_count.reset();
     require(_count_document_words() == counted, "the word count follows the edits");
   }
+  if (!_syn_dirty && _line_count() <= COLOUR_CHECK_LINES)
+    for (int ly = 0; ly < _line_count(); ++ly) require(_has_true_colours(ly), "the colours kept are those of the line");
   if (_map_dirty || _map_cache_cols != cols() || _map_cache_nlines != _line_count()) return;
   auto patched = std::tuple(_screen_map, _sm_lines, _sm_line_starts, _sep_prefix);
   _map_dirty = true;

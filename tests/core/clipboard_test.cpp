@@ -164,16 +164,5 @@ TEST_F(Clipboard, FoldsAndTheFilterFollowWhatIsPasted) {
   EXPECT_EQ(session->_kgrep_folds, (IndexSet{1, 3}));
 }
 
-TEST_F(Clipboard, AnExpansionIsTypedTextWithoutAMessage) {
-  session.document("<b>a|b</b>");
-  session->message = "as it was";
-  session->do_insert_expansion(U"XY");
-  EXPECT_EQ(session.notation(), "<b>aXY|b</b>");
-  session->_sel_anchor = {0, 0};
-  session->do_insert_expansion(U"1\n2");
-  EXPECT_EQ(session.notation(), "1\n2|<b>b</b>");
-  EXPECT_EQ(session->message, "") << "deleting the selection clears it";
-}
-
 }  // namespace
 }  // namespace brenlow

@@ -58,13 +58,13 @@ TEST(EditorSettings, EverySwitchIsReadAsItsOwnRuleSays) {
 TEST(EditorSettings, OddValuesFallBackAndKnownOnesMayBeWrittenInAnyCase) {
   EditorSession session(
       with_settings("margin_left: 150\nmargin_right: -3\nmargin_top: wide\nmargin_bottom: 12\nkgrep_case: odd\n"
-                    "default_extension: .TXT\ncursor_type: BAR\nfind_highlight: Inverse\n"));
+                    "default_extension: .TXT\ncursor_type: BAR\ncursor_blink: no\nfind_highlight: Inverse\n"));
   EXPECT_EQ(std::tuple(session->_margin_left_pct, session->_margin_right_pct, session->_margin_top_pct,
                        session->_margin_bottom_pct),
             std::tuple(100, 0, 0, 12));
   EXPECT_EQ(session->_default_extension, "txt");
   EXPECT_TRUE(session->_find_highlight_inverse && !session->_kgrep_case_insensitive);
-  EXPECT_EQ(session.draw().cursor_shape(), 5) << "the terminal is told";
+  EXPECT_EQ(session.draw().cursor_shape(), 6) << "the terminal is told";
 }
 
 TEST(EditorSettings, MissingOnesAreWrittenBackAndTheUsersOwnStay) {

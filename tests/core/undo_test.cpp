@@ -61,15 +61,17 @@ TEST(Undo, WhatComesBackInAFoldedChapterIsSeen) {
   EXPECT_FALSE(session.screen().shows("end")) << "a chapter that the step did not touch stays folded";
 }
 
-// Types, divides, joins, formats, deletes, copies and pastes at random places. The session checks its screen map
-// and its counts against fresh ones after every key.
+// Types, divides, joins, formats, deletes, copies and pastes at random places. The session checks its screen map,
+// its colours and its counts against fresh ones after every key.
 TEST(Undo, AnyHistoryLeadsBackToTheFirstDocumentAndForwardToTheLast) {
   Editor::_internal_clipboard.clear();
   Editor::_internal_clipboard_fmt.clear();
   Editor::_internal_clipboard_pbl = {};
   for (unsigned seed = 0; seed < 9; ++seed) {
     EditorSession session({.rows = 12, .cols = std::array{3, 9, 42}[seed % 3]});
-    session.document("|# a chapter\n⏎- an item\n\nsome <b>bold and <i>both</i></b> words in a line\n⏎\n⏎<i>last</i>");
+    session.document("|# a *chapter*\n⏎- an item\n\nsome <b>bold and <i>both</i></b> words in a line\n⏎\n⏎<i>last</i>" +
+                     (seed == 8 ? "\n" + std::string(1'500, 'x') + "<b>y</b> z" : std::string()));
+    session->_load_syntax(seed % 2 ? "md" : "odt");
     session->_count_document_words();  // from here on kept by the edits
     const DocumentTriple first = session.triple();
     std::mt19937 random(seed);
@@ -87,6 +89,7 @@ TEST(Undo, AnyHistoryLeadsBackToTheFirstDocumentAndForwardToTheLast) {
       for (int select = pick(4) ? 0 : pick(8); select > 0; --select)
         session.press(any_of({_KEY_SHIFT_RIGHT, _KEY_SHIFT_DOWN}));
       session->_build_screen_map();
+      for (int ly = 0; ly < session->_line_count() && !session->_syn_dirty; ++ly) session->_syn_spans(ly);
       const DocumentTriple before = session.triple();
       const std::size_t steps = session->_undo_stack.size();
       session.press(any_of({'a', ' ', '-', '#', '\'', 'b', BOLD, BOLD, ENTER, PAGE_BREAK, BACKSPACE, DELETE,
