@@ -10,11 +10,13 @@
 #include "tests/support/editor_session.h"
 
 namespace brenlow::test {
-
 namespace {
 
 constexpr StyleSpec CYAN{StyleSpec::Kind::color, COLOR_CYAN, 0, 0, 0};
-constexpr StyleSpec GREY{StyleSpec::Kind::rgb, 0, 0x88, 0x88, 0x88};
+constexpr StyleSpec rgb(unsigned char r, unsigned char g, unsigned char b) {
+  return {StyleSpec::Kind::rgb, 0, r, g, b};
+}
+constexpr StyleSpec GREY = rgb(0x88, 0x88, 0x88);
 
 // The pairs are the process's own, so every terminal type has a process of its own.
 void on_terminal(const SessionOptions& options, const std::function<void(EditorSession&)>& look) {
@@ -40,99 +42,76 @@ SessionOptions terminal_of(const std::string& name, const std::string& capabilit
   return {.terminal_type = name, .home_files = {{".terminfo/" + place, read_bytes(folder.path() / place)}}};
 }
 
-// The foreground of a pair on the terminal's own background.
-int foreground(int pair) {
-  int front = -2;
-  int back = -2;
+// The foreground that a style's pair has on the terminal's own background; -3 for no pair.
+int foreground(EditorSession& session, const StyleSpec& style) {
+  int pair = session->_syn_pair_for(style), front = -2, back = -2;
+  if (pair == 0) return -3;
   EXPECT_NE(::extended_pair_content(pair, &front, &back), ERR);
   EXPECT_EQ(back, -1);
   return front;
 }
 
-std::string told_to_terminal(EditorSession& session, const StyleSpec& style) {
-  std::string file = session.home().write("tty", "");
-  session->_machine.tty = file;
-  session->_syn_pair_for(style);
-  return read_bytes(file);
+TEST(SyntaxColours, AnExactColourComesAsCloseAsTheTerminalCan) {
+  const SessionOptions with_88 = terminal_of("test-88color", "ccc@, initc@, colors#88, pairs#7744");
+  const SessionOptions direct = terminal_of("test-direct", "ccc@, initc@, RGB, colors#0x1000000, pairs#0x7FFF");
+  struct Case {
+    SessionOptions options;
+    int cyan, grey, red, nearly_black;
+    std::string told = "";  // to the terminal past the screen library
+    bool has_tty = true;
+  };
+  // The pairs are given out from 10 upward, CYAN's first.
+  const std::string grey_slot = "\x1b]4;11;rgb:88/88/88\x1b\\";
+  for (const Case& c : {Case{{.terminal_type = "xterm"}, COLOR_CYAN, COLOR_WHITE, COLOR_RED, COLOR_BLACK},
+                        Case{{.terminal_type = "linux"}, COLOR_CYAN, COLOR_WHITE, COLOR_RED, COLOR_BLACK},
+                        Case{{.terminal_type = "vt100"}, -3, -3, -3, -3},
+                        Case{{.terminal_type = "xterm-256color"}, COLOR_CYAN, 11, 12, 13},
+                        Case{with_88, COLOR_CYAN, 11, 12, 13, grey_slot},
+                        Case{with_88, COLOR_CYAN, COLOR_WHITE, COLOR_RED, COLOR_BLACK, "", false},
+                        Case{direct, COLOR_CYAN, 0x888888, 0xFF0A0A, COLOR_BLACK}})
+    on_terminal(c.options, [&](EditorSession& session) {
+      const std::string tty = session.home().write("tty", "");
+      session->_machine.tty = c.has_tty ? tty : "/nonexistent";
+      EXPECT_EQ(foreground(session, CYAN), c.cyan);
+      EXPECT_EQ(foreground(session, GREY), c.grey);
+      EXPECT_EQ(read_bytes(tty), c.told);
+      EXPECT_EQ(foreground(session, rgb(255, 10, 10)), c.red);
+      EXPECT_EQ(foreground(session, rgb(0, 0, 5)), c.nearly_black);
+      int r = 0, g = 0, b = 0;
+      if (c.options.terminal_type != "xterm-256color") return;
+      EXPECT_NE(::extended_color_content(11, &r, &g, &b), ERR);
+      EXPECT_EQ(std::tuple(r, g, b), std::tuple(533, 533, 533));
+    });
 }
 
-}  // namespace
-
-TEST(SyntaxColours, a_named_colour_is_the_terminals_and_an_exact_one_comes_as_close_as_the_terminal_can) {
-  on_terminal({.terminal_type = "xterm"}, [](EditorSession& session) {
-    EXPECT_EQ(foreground(session->_syn_pair_for(CYAN)), COLOR_CYAN);
-    EXPECT_EQ(told_to_terminal(session, GREY), "") << "no slot to redefine among eight";
-    EXPECT_EQ(foreground(session->_syn_pair_for(GREY)), COLOR_WHITE);
-    EXPECT_EQ(foreground(session->_syn_pair_for({StyleSpec::Kind::rgb, 0, 255, 10, 10})), COLOR_RED);
-  });
-  on_terminal({.terminal_type = "linux"},
-              [](EditorSession& session) { EXPECT_EQ(foreground(session->_syn_pair_for(GREY)), COLOR_WHITE); });
-  on_terminal({.terminal_type = "xterm-256color"}, [](EditorSession& session) {
-    EXPECT_EQ(told_to_terminal(session, GREY), "");
-    int pair = session->_syn_pair_for(GREY);
-    EXPECT_EQ(foreground(pair), pair);
-    int r = 0, g = 0, b = 0;
-    EXPECT_NE(::extended_color_content(pair, &r, &g, &b), ERR);
-    EXPECT_EQ(std::tuple(r, g, b), std::tuple(533, 533, 533));
-  });
-  on_terminal(terminal_of("test-88color", "ccc@, initc@, colors#88, pairs#7744"), [](EditorSession& session) {
-    EXPECT_EQ(foreground(session->_syn_pair_for(CYAN)), COLOR_CYAN);
-    std::string told = told_to_terminal(session, GREY);
-    int pair = session->_syn_pair_for(GREY);
-    EXPECT_EQ(told, "\x1b]4;" + std::to_string(pair) + ";rgb:88/88/88\x1b\\");
-    EXPECT_EQ(foreground(pair), pair);
-  });
-  on_terminal(terminal_of("test-88color", "ccc@, initc@, colors#88, pairs#7744"), [](EditorSession& session) {
-    session->_machine.tty = "/nonexistent";
-    EXPECT_EQ(foreground(session->_syn_pair_for(GREY)), COLOR_WHITE);
-  });
-  on_terminal(terminal_of("test-direct", "ccc@, initc@, RGB, colors#0x1000000, pairs#0x7FFF"),
-              [](EditorSession& session) {
-                EXPECT_EQ(foreground(session->_syn_pair_for(CYAN)), COLOR_CYAN);
-                EXPECT_EQ(told_to_terminal(session, GREY), "");
-                EXPECT_EQ(foreground(session->_syn_pair_for(GREY)), 0x888888);
-                EXPECT_EQ(foreground(session->_syn_pair_for({StyleSpec::Kind::rgb, 0, 0, 0, 5})), COLOR_BLACK);
-              });
-  on_terminal({.terminal_type = "vt100"}, [](EditorSession& session) {
-    EXPECT_EQ(session->_syn_pair_for(CYAN), 0);
-    EXPECT_EQ(session->_syn_pair_for(GREY), 0);
-  });
-}
-
-TEST(SyntaxColours, equal_colours_share_a_pair_and_more_colours_than_pairs_do_no_harm) {
+TEST(SyntaxColours, EqualColoursShareAPairAndMoreColoursThanPairsDoNoHarm) {
   on_terminal({.terminal_type = "xterm"}, [](EditorSession& session) {
     EXPECT_EQ(session->_syn_pair_for({}), 0) << "inverse needs none";
     std::set<int> pairs;
     for (int repeat = 0; repeat < 3; ++repeat)
       for (int shade = 0; shade < 200; ++shade) {
         auto level = static_cast<unsigned char>(shade);
-        pairs.insert(session->_syn_pair_for({StyleSpec::Kind::rgb, 0, level, level, level}));
+        pairs.insert(session->_syn_pair_for(rgb(level, level, level)));
       }
-    EXPECT_EQ(*pairs.begin(), 0);
     EXPECT_EQ(*std::next(pairs.begin()), 10) << "the pairs below are the fixed ones";
     EXPECT_EQ(*pairs.rbegin(), COLOR_PAIRS - 1);
-    EXPECT_EQ(static_cast<int>(pairs.size()), COLOR_PAIRS - 10 + 1);
-    for (int pair : pairs)
-      if (pair != 0) {
-        EXPECT_LT(foreground(pair), 8);
-      }
-    EXPECT_EQ(session->_syn_pair_for(GREY), session->_syn_pair_for({StyleSpec::Kind::rgb, 0, 0x88, 0x88, 0x88}));
+    EXPECT_EQ(static_cast<int>(pairs.size()), COLOR_PAIRS - 10 + 1) << "all of them, and 0 for those that got none";
   });
 }
 
-TEST(SyntaxColours, a_writer_sees_the_colours_of_the_rules) {
+TEST(SyntaxColours, AWriterSeesTheColoursOfTheRules) {
+  const std::string rules = "[w]\npattern: TODO\nstyle: red\n[i]\npattern: mine\nstyle: inverse\n";
   on_terminal({.path = "a.txt",
                .rows = 8,
                .cols = 40,
-               .home_files = {{"a.txt", "a TODO of mine\n"},
-                              {".config/brenlow/txt.conf",
-                               "[w]\npattern: TODO\nstyle: red\n[i]\npattern: mine\nstyle: inverse\n"}}},
+               .home_files = {{"a.txt", "a TODO of mine\n"}, {".config/brenlow/txt.conf", rules}}},
               [](EditorSession& session) {
                 const TerminalScreen& screen = session.draw();
-                for (int x : {3, 6}) EXPECT_EQ(screen.cell(1, x).fg, COLOR_RED) << x;
-                EXPECT_EQ(screen.cell(1, 2).fg, DEFAULT_COLOUR);
-                EXPECT_EQ(screen.cell(1, 7).fg, DEFAULT_COLOUR);
+                for (int x : {2, 3, 6, 7})
+                  EXPECT_EQ(screen.cell(1, x).fg, x == 2 || x == 7 ? DEFAULT_COLOUR : COLOR_RED);
                 EXPECT_EQ(screen.attributes(1), "...........rrrr");
+                session->_reset_for_document(session.triple(), "b.xyz");
+                EXPECT_TRUE(session->_syn_rules.empty()) << "the rules are those of the document's extension";
               });
   on_terminal({.rows = 8, .cols = 40}, [](EditorSession& session) {
     session.document("<b>bold</b> plain <i>it</i>^|");
@@ -149,4 +128,5 @@ TEST(SyntaxColours, a_writer_sees_the_colours_of_the_rules) {
   });
 }
 
+}  // namespace
 }  // namespace brenlow::test
