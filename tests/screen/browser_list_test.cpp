@@ -31,19 +31,6 @@ TEST(BrowserList, ShowsFoldersAndDocumentsInTheirOrder) {
   EXPECT_NE(names(list_directory("/", true)).front(), "../");
 }
 
-TEST(BrowserList, SearchCountsHitsInAnyCaseAndSkipsWhatItCannotRead) {
-  test::TemporaryFolder folder;
-  folder.write("one.txt", "The sea.");
-  folder.write("two.md", "sea SEA sea");
-  folder.write("none.txt", "land");
-  folder.write("broken.odt", "sea, but no package");
-  folder.folder("sea.txt");
-  std::vector<BrowserEntry> hits = search_contents(folder.path().string(), U"Sea", true);
-  ASSERT_EQ(names(hits), (Names{"two.md", "one.txt"}));
-  EXPECT_EQ(hits[0].detail, "(3 hits)");
-  EXPECT_EQ(hits[1].detail, "(1 hit)");
-}
-
 TEST(BrowserList, RowsStayAlignedWhateverTheName) {
   EXPECT_EQ(size_text(1023), "1023B");
   EXPECT_EQ(size_text(1536), "1.5K");

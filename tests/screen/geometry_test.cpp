@@ -28,18 +28,6 @@ TEST(Geometry, MarginsAreSharesOfTheWindowRoundedToTheEvenCell) {
   EXPECT_EQ(session->_wrap_width(), 100 - 2 * 11) << "shares follow the window";
 }
 
-TEST(Geometry, TheTextTakesTheRowsThatTheBarsLeave) {
-  EditorSession session({.rows = 20, .cols = 40});
-  session->_margin_top_pct = 10;
-  session->_margin_bottom_pct = 5;
-  const int area[4][2] = {{15, 3}, {16, 2}, {17, 2}, {16, 3}};  // rows of text, first of them
-  for (auto [rows, top] : area) {
-    EXPECT_EQ(session->edit_rows(), rows) << session->_bar_state;
-    EXPECT_EQ(session->_text_top(), top) << session->_bar_state;
-    session->_bar_state = (session->_bar_state + 1) % 4;
-  }
-}
-
 // In a window of any size, with any margins: there is room for at least one cell of text, and drawing, moving and
 // typing go on.
 TEST(Geometry, NoWindowIsTooSmall) {

@@ -20,19 +20,6 @@ std::string help_page(EditorSession& session, const std::string& typed) {
   return all;
 }
 
-TEST(Help, NamesTheKeysThatTheUserHasChosen) {
-  EditorSession session(
-      {.rows = 120, .home_files = {{".config/brenlow/keys.conf", "help_key: F1\naction_key: F2\nsave: Ctrl+E\n"}}});
-  ASSERT_EQ(session->_key_help, _KEY_F[0]);
-  ASSERT_EQ(session->_key_action, _KEY_F[1]);
-  std::string page = help_page(session, " ");
-  EXPECT_TRUE(page.starts_with(" F1")) << page;
-  EXPECT_NE(page.find("F2 = command mode   ↑↓ PgUp PgDn to scroll\n"), std::string::npos) << page;
-  EXPECT_NE(page.find("Enter command mode" + std::string(22, ' ') + "F2\n"), std::string::npos) << page;
-  EXPECT_NE(page.find("Save" + std::string(36, ' ') + "Ctrl E\n"), std::string::npos) << page;
-  EXPECT_EQ(page.find("back-compat"), std::string::npos);
-}
-
 TEST(Help, LeadsToAboutTheTutorialAndTheCharacters) {
   EditorSession session;
   EXPECT_TRUE(help_page(session, "? ").starts_with(" About Brenlow (↑↓ PgUp PgDn to scroll   T = Tutorial)"));

@@ -23,10 +23,6 @@ int& key_of(KeyMap& keys, std::string_view action) {
   return std::ranges::find(keys, action, &KeyMap::value_type::first)->second;
 }
 
-bool holds(const std::vector<std::string>& lines, std::string_view line) {
-  return std::ranges::find(lines, line) != lines.end();
-}
-
 // The key column of the row of an action in the last section, where descriptions may stand a second time.
 std::string shortcut_of(const std::vector<std::string>& lines, const std::string& description) {
   std::string cell = " " + description;
@@ -55,33 +51,14 @@ TEST(HelpText, ShortcutsAreThoseOfTheUsersConfiguration) {
   EXPECT_TRUE(help_title(_KEY_F[0], _KEY_F[1]).ends_with("F2 = command mode   ↑↓ PgUp PgDn to scroll"));
 }
 
-TEST(HelpText, SectionsComeInOrderAndFitEightyColumns) {
-  const auto lines = help_lines(default_keys(), _KEY_CTRL_SPACE, KEY_ESC);
-  std::vector<std::string> headings;
-  for (const std::string& line : lines) {
+TEST(HelpText, EveryLineFitsEightyColumnsWithItsColumnsAligned) {
+  for (const std::string& line : help_lines(default_keys(), _KEY_CTRL_SPACE, KEY_ESC)) {
     const std::u32string text = decode_utf8(line);
     EXPECT_EQ(wrap_paragraph(text, 77), std::vector{text});
-    if (const auto sign = text.find(U'►'); sign != text.npos) {
-      EXPECT_EQ(sign, 41u) << line;
-    }
-    if (const auto rule = line.find(" ─"); rule != line.npos) {
-      headings.push_back(line.substr(0, rule));
-      EXPECT_EQ(text.size(), 60u) << line;
-    }
+    const auto sign = text.find(U'►');
+    EXPECT_TRUE(sign == text.npos || sign == 41) << line;
+    EXPECT_TRUE(line.find(" ─") == line.npos || text.size() == 60) << line;
   }
-  EXPECT_EQ(headings, (std::vector<std::string>{" THIS HELP SCREEN", " COMMAND MODE", " ACTION   COMMAND KEY",
-                                                " BRENLOW", " DOCUMENT", " VIEW", " NAVIGATION", " EDIT", " STYLE",
-                                                " CLIPBOARD & SELECTION", " ALWAYS ACTIVE (NO COMMAND MODE NEEDED)",
-                                                " ALTERNATIVE SHORTCUTS (CONFIGURABLE IN CONFIG)"}));
-  EXPECT_EQ(lines.back(), "");
-}
-
-TEST(HelpText, SpecialKeysHaveNamesAndOthersTheirNumber) {
-  EXPECT_EQ(_key_name(KEY_ESC), "ESC");
-  EXPECT_EQ(_key_name(_KEY_CTRL_SPACE), "Ctrl+Space");
-  EXPECT_EQ(_key_name(_KEY_F[0]), "F1");
-  EXPECT_EQ(_key_name(_KEY_F[18]), "F19");
-  EXPECT_EQ(_key_name(31), "key(0x1f)");
 }
 
 // An overlay that loses a blank or a word shows broken tables and samples.
@@ -101,65 +78,6 @@ TEST(WrapParagraph, KeepsEveryCharacterAndTheWidth) {
   }
   EXPECT_EQ(wrap_paragraph(U"", 10), std::vector<std::u32string>{U""});
   EXPECT_EQ(wrap_paragraph(U"  one two three", 9), (std::vector<std::u32string>{U"  one two", U" three"}));
-}
-
-TEST(Tutorial, HasAllItsChaptersAndSectionsInOrder) {
-  const auto lines = tutorial_lines();
-  ASSERT_EQ(lines.size(), 691u);
-  const std::vector<std::string> heads{" 1. GETTING STARTED — THE BASICS",
-                                       "Opening and saving",
-                                       "Creating a new empty document",
-                                       "Typing and moving around",
-                                       "Finding text",
-                                       "Undo and redo",
-                                       "Quitting",
-                                       " 2. ADVANCED FUNCTIONS",
-                                       "Selecting text",
-                                       "Clipboard",
-                                       "Bold and italic",
-                                       "Page breaks (ODT only)",
-                                       "Chapters and folding",
-                                       "Chapter Swap",
-                                       "kGrep (text grep / filter view)",
-                                       "Inserting another document",
-                                       "Zoom (terminal font size)",
-                                       "Margins",
-                                       "Typewriter mode",
-                                       "Hiding the title and status bars",
-                                       " 3. EXPERT FUNCTIONS",
-                                       "Configuration files",
-                                       "Keyboard shortcuts — customising",
-                                       "Text expansions",
-                                       "Cursor style",
-                                       "Default file extension",
-                                       "Create new document — filename behaviour",
-                                       "Unicode character insertion",
-                                       "Syntax highlighting",
-                                       "ODT files: bold, italic, normal",
-                                       "Working with LibreOffice documents",
-                                       " 4. WORKING WITH THE MARKDOWN FORMAT",
-                                       "Typical workflow",
-                                       "Tips",
-                                       " 5. WORKING WITH THE FOUNTAIN FORMAT",
-                                       "Key Fountain conventions",
-                                       "Typical workflow",
-                                       "Tips"};
-  std::vector<std::string> found;
-  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-    EXPECT_LE(decode_utf8(lines[i]).size(), 62u) << lines[i];
-    if (lines[i + 1].starts_with("─")) found.push_back(lines[i]);
-  }
-  EXPECT_EQ(found, heads);
-  EXPECT_EQ(lines[1], " BRENLOW TUTORIAL");
-  EXPECT_EQ(lines.back(), " End of tutorial. Press any key to return.");
-}
-
-TEST(About, KeepsItsParagraphsApart) {
-  const auto lines = about_lines();
-  EXPECT_EQ(lines.front(), " ──── Press T for Tutorial");
-  EXPECT_TRUE(holds(lines, "──── Brenlow (\"Look at all the things it doesn't do!\")"));
-  EXPECT_TRUE(holds(lines, ""));
-  EXPECT_NE(lines.back(), "");
 }
 
 }  // namespace

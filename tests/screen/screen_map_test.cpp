@@ -1,63 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "tests/support/editor_session.h"
 
 namespace brenlow {
 namespace {
 
 using test::EditorSession;
-
-auto map_state(Editor& editor) {
-  editor._build_screen_map();
-  return std::tuple(editor._screen_map, editor._sm_lines, editor._sm_line_starts, editor._sep_prefix);
-}
-
-// One edit at a random place; a piece of text is typed more often than anything else.
-void random_edit(Editor& editor, std::mt19937& random) {
-  auto pick = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
-  editor.cy = pick(editor._line_count());
-  editor.cx = pick(3) ? pick(editor._line_length(editor.cy) + 1) : 0;
-  switch (pick(12)) {
-    case 0:
-      return editor.insert_newline();
-    case 1:
-      return editor.insert_pagebreak();
-    case 2:
-    case 3:
-      return editor.backspace();
-    case 4:
-      editor.cx = pick(2) ? editor._line_length(editor.cy) : editor.cx;
-      return editor.delete_char();
-    case 5:
-      return editor.delete_line();
-    case 6:
-      return pick(2) ? editor.do_undo() : editor.do_redo();
-    default:
-      for (int i = pick(6); i >= 0; --i) editor.insert_char(U"ab  -\t"[static_cast<std::size_t>(pick(6))]);
-  }
-}
-
-TEST(ScreenMap, PatchedByEditsItEqualsOneBuiltAfresh) {
-  for (int width : {1, 7, 40}) {
-    EditorSession session({.rows = 12, .cols = width + 2});
-    ASSERT_EQ(session->_wrap_width(), width);
-    session.document("|# a chapter\n⏎- an item of a list\n\nsome words in a line that is long\n⏎\n⏎last");
-    session->_build_screen_map();
-    std::mt19937 random(static_cast<unsigned>(width));
-    int patched = 0;
-    for (int edit = 0; edit < 600; ++edit) {
-      random_edit(session.editor(), random);
-      if (!session->_map_dirty) ++patched;
-      auto state = map_state(session.editor());
-      session->_map_dirty = true;
-      ASSERT_EQ(state, map_state(session.editor())) << "seed " << width << ", edit " << edit << "\n"
-                                                    << session.notation();
-    }
-    EXPECT_GT(patched, 550) << "an edit re-wraps its own lines only";
-  }
-}
 
 // Every row from the plain reading: walks the whole map for the last row of the line that begins at or before the
 // column; for a hidden line the row above it.

@@ -58,11 +58,5 @@ TEST(Wrap, ShowsEveryCharacterButTheBlanksBrokenAt) {
   }
 }
 
-TEST(Wrap, FoldedHeaderGivesUpItsTitleFirst) {
-  EXPECT_EQ(folded_header_row(U"# One  ", 40), U"# One        ── Folded (ESC # to unfold)");
-  EXPECT_EQ(folded_header_row(U"# One", 30), U"#  ── Folded (ESC # to unfold)");
-  EXPECT_EQ(folded_header_row(U"# One", 9), U" ── Folde");
-}
-
 }  // namespace
 }  // namespace brenlow
