@@ -123,14 +123,6 @@ TEST(OdtWriter, CharactersThatXmlCannotHoldAreReplacedSoThatTheFileOpens) {
   EXPECT_EQ(read.lines.size(), 2u);
 }
 
-TEST(OdtWriter, ALineOfTwentyMegabytesCanBeOpenedAgain) {
-  TemporaryFolder folder;
-  std::string path = folder.file("a.odt");
-  std::vector<Text> lines{Text(std::u32string(20'000'000, U'w'))};
-  lines_to_odt(lines, path, std::nullopt, {}, {});
-  EXPECT_EQ(odt_to_rich(path).lines, lines);
-}
-
 TEST(OdtWriter, OtherMembersOfThePackageStayAsTheyWere) {
   TemporaryFolder folder;
   for (const char* sample : {"/office.odt", "/web_page.odt"}) {

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <random>
-
 #include "tests/support/temporary_folder.h"
 #include "tests/terminal/font_files.h"
 
@@ -46,25 +44,6 @@ TEST(Psf, HeadersThatLieAreNoFonts) {
         psf2_header(most, 256, 16, 16, 8) + glyphs, psf2_header(32, most, most, 16, 8) + glyphs,
         psf2_header(32, 1, 16, 0x80000000, 16) + glyphs})
     EXPECT_EQ(shape(psf_info_of(liar)), "no font") << testing::PrintToString(liar.substr(0, 40));
-}
-
-TEST(Psf, NoHeaderMakesUsReadBehindTheFile) {
-  std::mt19937 source(11);
-  auto random = [&] { return static_cast<std::uint32_t>(source()); };
-  int fonts = 0;
-  for (int round = 0; round < 20'000; ++round) {
-    std::string bytes = round % 2 ? psf1(1 + round % 8) : psf2(1 + random() % 40, 1 + random() % 9, 1 + random() % 4);
-    if (random() % 3 == 0) bytes.resize(random() % (bytes.size() + 1));
-    for (unsigned change = random() % 3; change > 0 && bytes.size() > 4; --change)
-      bytes[4 + random() % std::min<std::size_t>(bytes.size() - 4, 28)] = static_cast<char>(random());
-    const auto info = psf_info_of(bytes);
-    if (!info) continue;
-    ++fonts;
-    const std::string_view glyphs = psf_glyphs(*info, bytes);
-    ASSERT_EQ(glyphs.size(), std::size_t{info->count} * info->glyph_size);
-    ASSERT_GE(std::uint64_t{info->glyph_size} * 8, std::uint64_t(info->width) * std::uint64_t(info->height));
-  }
-  EXPECT_GT(fonts, 5000);
 }
 
 TEST(Psf, DamagedPackedAndEndlessFilesAreRefused) {
