@@ -1,7 +1,5 @@
 # What "cmake --install" puts where, and the packages that CPack makes of it: "cpack --preset deb" and "cpack --preset
 # source".
-include(GNUInstallDirs)
-
 install(TARGETS brenlow)
 install(FILES docs/man/brenlow.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES docs/man/brenlow.conf.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/support/pty_program.h"
 
 namespace brenlow::test {
@@ -68,6 +70,22 @@ TEST(Save, UnsavedTextIsNeverLostWithoutAQuestion) {
     EXPECT_EQ(program.wait_for_end(), IN_ORDER);
     EXPECT_EQ(read_bytes(program.home().file("draft.md")), answer == 'y' ? "new draft" : "draft");
   }
+}
+
+TEST(Save, WithoutThePartForPackagesNothingIsLost) {
+  TemporaryFolder folder;
+  std::filesystem::copy_file(brenlow_program(), folder.file("brenlow"));
+  const std::string package = read_bytes(BRENLOW_TEST_DATA "/office.odt");
+  PtyProgram program(folder.file("brenlow"),
+                     {.arguments = {"letter.odt"}, .cols = 200, .home_files = {{"letter.odt", package}}});
+  program.wait_for("Error opening file: cannot load the part of Brenlow for .odt: ");
+  program.send("precious");
+  program.send(SAVE);
+  program.wait_for("Save error: cannot load the part of Brenlow for .odt: ");
+  program.wait_for("precious");
+  EXPECT_EQ(read_bytes(program.home().file("letter.odt")), package);
+  program.send(QUIT);
+  program.wait_for("Unsaved changes. Save before exit? [y/n/c]");
 }
 
 TEST(Save, AFailedSaveKeepsTheSessionAndItsText) {

@@ -28,7 +28,7 @@ TEST(Start, WithoutAUsableTerminalItSaysSoInOneLineAndLeaves) {
 TEST(Start, ADamagedDocumentLeavesAUsableSessionAndTheFile) {
   PtyProgram program(brenlow_program(),
                      {.arguments = {"broken.odt"}, .home_files = {{"broken.odt", "no package at all"}}});
-  program.wait_for("Error opening file: ");
+  program.wait_for("Error opening file: Not a zip archive");
   program.send("still here");
   program.wait_for("still here");
   EXPECT_EQ(read_bytes(program.home().file("broken.odt")), "no package at all");
