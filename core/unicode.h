@@ -37,10 +37,14 @@ void append_in_runs(std::string& out, TextView text, Plain&& plain, Special&& sp
         if (!all) break;
       }
       while (end < characters.size() && plain(raw(characters[end]))) ++end;
-      std::size_t size = out.size();
-      out.resize(size + (end - at));
-      std::transform(characters.data() + at, characters.data() + end, out.data() + size,
-                     [](auto character) { return static_cast<char>(raw(character)); });
+      if constexpr (sizeof(characters[0]) == 1) {
+        out.append(reinterpret_cast<const char*>(characters.data()) + at, end - at);
+      } else {
+        std::size_t size = out.size();
+        out.resize(size + (end - at));
+        std::transform(characters.data() + at, characters.data() + end, out.data() + size,
+                       [](auto character) { return static_cast<char>(character); });
+      }
       if (end < characters.size()) special(characters[end]);
       at = end;
     }

@@ -177,7 +177,8 @@ void overwrite(const std::string& path, std::string_view bytes, Durability durab
   struct stat status;
   if (::fstat(file.get(), &status) != 0) throw failure_of(errno);
   std::size_t old_size = static_cast<std::size_t>(status.st_size);
-  std::string old = read_up_to(file.get(), old_size, old_size);
+  auto storage = std::make_unique_for_overwrite<char[]>(old_size);
+  const std::string_view old(storage.get(), read_at(file.get(), 0, storage.get(), old_size));
   if (int error = reserve(file.get(), bytes.size())) {
     shrink_to(file.get(), old_size);  // gives back what was reserved behind the end
     throw failure_of(error);
@@ -185,7 +186,7 @@ void overwrite(const std::string& path, std::string_view bytes, Durability durab
   std::size_t written = 0;
   if (int error = write_whole(file.get(), bytes, durability, written)) {
     // Once all was written, the end of a longer old content may have been cut off too.
-    std::string_view damaged = std::string_view(old).substr(0, written < bytes.size() ? written : old_size);
+    std::string_view damaged = old.substr(0, written < bytes.size() ? written : old_size);
     bool restored = shrink_to(file.get(), old_size) == 0 && write_at_start(file.get(), damaged, written) == 0;
     flush_to_disk(file.get());
     std::string words = std::generic_category().message(error);
