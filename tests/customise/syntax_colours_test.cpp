@@ -73,7 +73,7 @@ TEST(SyntaxColours, AnExactColourComesAsCloseAsTheTerminalCan) {
       const std::string tty = session.home().write("tty", "");
       session->_machine.tty = c.has_tty ? tty : "/nonexistent";
       EXPECT_EQ(foreground(session, CYAN), c.cyan);
-      EXPECT_EQ(foreground(session, GREY), c.grey);
+      for (int times = 0; times < 2; ++times) EXPECT_EQ(foreground(session, GREY), c.grey);
       EXPECT_EQ(read_bytes(tty), c.told);
       EXPECT_EQ(foreground(session, rgb(255, 10, 10)), c.red);
       EXPECT_EQ(foreground(session, rgb(0, 0, 5)), c.nearly_black);

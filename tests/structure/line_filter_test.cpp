@@ -64,18 +64,19 @@ TEST(LineFilter, SaysWhatItShowsAndGivesAllLinesBack) {
 
 TEST(LineFilter, AnEditThatTakesTheWordAwayTakesTheLineAway) {
   EditorSession session;
-  session.document("fox 1\nx\nfo|x 2\ny\nfox 3");
+  session.document("fox 1\nx\nthe fox| 2\ny\nfox 3");
   filter(session, "fox\r");
   session.press(127);
-  EXPECT_EQ(session.notation(), "fox 1\nx\nfx 2\ny\nf|ox 3") << "the next line shown below";
+  EXPECT_EQ(session.notation(), "fox 1\nx\nthe fo 2\ny\nfox 3|") << "the next line shown below";
+  session.press(KEY_HOME);
   session.press(KEY_DC);
-  EXPECT_EQ(session.notation(), "f|ox 1\nx\nfx 2\ny\nfx 3") << "the nearest line shown above";
+  EXPECT_EQ(session.notation(), "|fox 1\nx\nthe fo 2\ny\nox 3") << "the nearest line shown above";
   session.press(KEY_DC);
   EXPECT_EQ(session->message, "[kGrep cleared — no matches left]");
   EXPECT_TRUE(session.draw().shows("y"));
   filter(session, "x\r");
   letter(session, 'u');
-  EXPECT_EQ(session->message, "Undo. (2 left)  [kGrep 'x' (case-insensitive): 4 shown, 1 hidden]");
+  EXPECT_EQ(session->message, "Undo. (2 left)  [kGrep 'x' (case-insensitive): 3 shown, 2 hidden]");
 
   session.document("a fox|\nb");
   filter(session, "cow\r");

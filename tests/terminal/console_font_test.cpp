@@ -37,6 +37,8 @@ TEST_F(ConsoleFont, OneFontPerSizeIsOfferedTheBestOfItsKind) {
                                                                       {"one/b24.psf", psf2(12, 24)},
                                                                       {"one/a24.psf.gz", gzipped(psf2(12, 24))},
                                                                       {"one/wide.psf", psf2(16, 16)},
+                                                                      {"one/a9.psf", psf1(9)},
+                                                                      {"one/Spleen9.psf", psf1(9)},
                                                                       {"one/readme.txt", psf1(10)},
                                                                       {"one/cut.psf", psf1(11).substr(0, 200)},
                                                                       {"two/cut.psf", psf1(11)}})
@@ -45,7 +47,7 @@ TEST_F(ConsoleFont, OneFontPerSizeIsOfferedTheBestOfItsKind) {
   std::string found;
   for (const FontEntry& font : _scan_fonts({machine.file("absent"), machine.file("one"), machine.file("two")}))
     found += std::to_string(font.width) + "x" + std::to_string(font.height) + " " + font.name + "\n";
-  EXPECT_EQ(found, "8x11 cut\n8x16 Ter-x16\n16x16 wide\n12x24 a24\n");
+  EXPECT_EQ(found, "8x9 Spleen9\n8x11 cut\n8x16 Ter-x16\n16x16 wide\n12x24 a24\n");
 }
 
 TEST_F(ConsoleFont, OnlyAFontThatWasLoadedIsRememberedAndTheWindowToldOfItsSize) {
