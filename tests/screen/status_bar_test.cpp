@@ -130,5 +130,12 @@ TEST(StatusBar, TheViewScrollsNoFurtherThanItMust) {
   EXPECT_EQ(session.screen().row(1), " ──── Page Break ──");
 }
 
+TEST(StatusBar, ACursorOutOfViewIsNotPlacedOnTheBar) {
+  EditorSession session({.rows = 3, .cols = 40});
+  session.document("one\n⏎two| three");
+  EXPECT_EQ(session.draw().row(1), " ──────────────────────── Page Break ──") << "it takes the one row of text";
+  EXPECT_NE(session.screen().cursor_col(), 4);
+}
+
 }  // namespace
 }  // namespace brenlow
