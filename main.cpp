@@ -11,6 +11,8 @@
 #include <sstream>
 
 #include "core/editor.h"
+#include "core/failure.h"
+#include "core/signals.h"
 #include "core/unicode.h"
 #include "screen/curses.h"
 
@@ -33,20 +35,20 @@ std::string font_debug_text() {
   return FontController().debug_info();
 }
 
-// Starts the screen library, runs `body` and gives the terminal back on every way out. False, after a line on
-// standard error, where there is no terminal that it could run on.
+// Starts the screen library, runs `body` and gives the terminal back on every way out. Returns the exit status that
+// `body` gives, or 1, after a line on standard error, where there is no terminal that it could run on.
 template <class Body>
-bool with_screen(Body&& body) {
+int with_screen(Body&& body) {
   if (::isatty(STDIN_FILENO) == 0 || ::isatty(STDOUT_FILENO) == 0) {
     std::cerr << "brenlow: standard input and output must be a terminal\n";
-    return false;
+    return 1;
   }
   ::setenv("ESCDELAY", "25", 0);
   const char* term = std::getenv("TERM");
   SCREEN* terminal = ::newterm(nullptr, stdout, stdin);
   if (!terminal) {
     std::cerr << "brenlow: cannot use this terminal (TERM=" << plain_print(term ? term : "") << ")\n";
-    return false;
+    return 1;
   }
   struct Restore {
     SCREEN* terminal;
@@ -57,20 +59,24 @@ bool with_screen(Body&& body) {
   } restore{terminal};
   ::noecho();
   ::cbreak();
-  body(::stdscr);
-  return true;
+  return body(::stdscr);
 }
 
-void edit(WINDOW* window, std::optional<std::string> path) {
+// The exit status. What is to be said when the screen has gone is put into `farewell`.
+int edit(WINDOW* window, std::optional<std::string> path, std::string& farewell) {
   Editor editor(window, std::move(path));
   try {
     editor.run();
   } catch (const StopRequest&) {
     std::atexit(clear_terminal);
+  } catch (const EndRequest& request) {
+    farewell = editor._leave_unasked();
+    return 128 + request.signal;  // as a shell tells of a process that the signal has ended
   } catch (...) {
-    editor._give_terminal_back();
+    farewell = editor._leave_unasked();
     throw;
   }
+  return 0;
 }
 
 }  // namespace
@@ -83,18 +89,26 @@ int main(int count, char** arguments) {
       if (std::strcmp(word, option) == 0) return true;
     return false;
   };
+  std::string farewell;
+  int status = 1;
   try {
     if (given("--font-debug")) {
       std::istringstream text(font_debug_text());
       for (std::string line; std::getline(text, line);) std::cout << plain_print(line) << "\n";
       return 0;
     }
-    if (given("--key-debug")) return with_screen(run_key_debug) ? 0 : 1;
+    if (given("--key-debug"))
+      return with_screen([](WINDOW* window) {
+        run_key_debug(window);
+        return 0;
+      });
     std::optional<std::string> path;
     if (!words.empty()) path = words[0];
-    return with_screen([&](WINDOW* window) { edit(window, path); }) ? 0 : 1;
+    note_end_signals();
+    status = with_screen([&](WINDOW* window) { return edit(window, path, farewell); });
   } catch (const std::exception& failure) {
-    std::cerr << "brenlow: " << plain_print(failure.what()) << "\n";
-    return 1;
+    std::cerr << "brenlow: " << plain_print(reason_of(failure)) << "\n";
   }
+  std::cerr << farewell;
+  return status;
 }

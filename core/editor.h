@@ -37,7 +37,7 @@ struct _win_st;  // the screen library's window
 namespace brenlow {
 
 // Raised by do_exit, caught around run. Not an std::exception, so that a command that catches every
-// failure does not swallow it.
+// failure does not swallow it. EndRequest (core/signals.h) is the way out that the user has not chosen.
 struct StopRequest {};
 
 // The session: one document, its view, every setting read at start, all commands and dialogs. One per
@@ -130,7 +130,7 @@ class Editor {
   std::string _utf8_buf;                                // bytes of a character still incomplete
   int _pending_main_ch = NO_KEY;                        // read ahead by another loop, served next
 
-  void run();  // returns only through StopRequest
+  void run();  // returns only through StopRequest or EndRequest
   void _prepare_terminal();
   void _send_cursor_shape();
   void _serve_resize();  // takes over the terminal's size
@@ -191,10 +191,12 @@ class Editor {
   // ---- history ---------------------------------------------------------------- core/undo.cpp
   static constexpr std::size_t UNDO_DEPTH = 200;
   std::deque<UndoRecord> _undo_stack, _redo_stack;
+  int _lines_before_edit = -1;  // how many there were; -1 unless an edit is under way
   void _push_undo(int lo, int hi_old);
   void _finalize_undo(int hi_new);
   void _push_undo_bulk();
   void _finalize_undo_bulk();
+  void _abandon_open_edit();
   void do_undo();
   void do_redo();
   struct Applied {
@@ -457,6 +459,11 @@ class Editor {
   void do_typewriter_toggle();
   void do_exit();
   void _give_terminal_back();
+  std::unique_ptr<char[]> _reserve;  // memory for the way out when there is no other
+  // The way out that the user has not chosen: writes unsaved changes to a rescue copy and gives the terminal back.
+  // Returns what standard error is to say when the screen has gone: a line, or nothing.
+  std::string _leave_unasked();
+  std::string _rescue();
 };
 
 // The screen of --key-debug: shows the bytes of each key until Ctrl+C or Ctrl+D.

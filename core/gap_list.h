@@ -103,8 +103,10 @@ class GapList {
   }
   void erase(std::size_t at, std::size_t count) { _open_gap(at, count, 0); }
   // Puts `added` in place of the `removed` elements from `at` on. Where as many come as go, the gap stays.
+  // Want of memory leaves the list as it was.
   void splice(std::size_t at, std::size_t removed, std::vector<T> added) {
     std::size_t common = std::min(removed, added.size());
+    if (added.size() > removed) _make_room(at + common, added.size() - removed);
     for (std::size_t i = 0; i < common; ++i) _set(at + i, std::move(added[i]));
     if (removed == added.size()) return;
     std::size_t more = added.size() - common;
@@ -151,9 +153,14 @@ class GapList {
 
   // Takes `removed` elements away from `at` on and makes room for `wanted` there.
   void _open_gap(std::size_t at, std::size_t removed, std::size_t wanted) {
+    if (wanted > removed) _make_room(at, wanted - removed);
     _move_gap(at);
     for (std::size_t i = 0; i < removed; ++i) _items[_gap + _gap_size + i] = T();  // lets go of what it holds
     _gap_size += removed;
+  }
+
+  void _make_room(std::size_t at, std::size_t wanted) {
+    _move_gap(at);
     if (_gap_size >= wanted) return;
     std::size_t more = wanted - _gap_size + std::min<std::size_t>(size() / 32, 4096) + 16;
     _items.insert(_items.begin() + static_cast<std::ptrdiff_t>(_gap), more, T());

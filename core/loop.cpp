@@ -1,6 +1,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <new>
+
 #include "core/editor.h"
 #include "core/unicode.h"
 #include "screen/curses.h"
@@ -15,6 +17,9 @@ namespace {
 
 // While keys wait, several are applied before the next frame; but a frame is drawn at least this often.
 constexpr std::chrono::milliseconds LONGEST_FRAME_GAP{50};
+
+// Room to compose a rescue copy of some million words. As nothing is written there, it takes up no memory until then.
+constexpr std::size_t RESERVED_BYTES = std::size_t{32} << 20;
 
 void note_resize(int) { Editor::_sigwinch_pending = 1; }
 void ignore_stop(int) {}
@@ -37,6 +42,7 @@ bool is_editing_key(int key) {
 
 void Editor::run() {
   _prepare_terminal();
+  _reserve.reset(new (std::nothrow) char[RESERVED_BYTES]);
   _serve_resize();  // a change of size before the handler was there
   auto last_frame = std::chrono::steady_clock::time_point{};
   for (;;) {

@@ -20,15 +20,31 @@ void Editor::_push_undo(int lo, int hi_old) {
   record.old_cy = cy;
   push_bounded(_undo_stack, std::move(record), UNDO_DEPTH);
   _redo_stack.clear();
+  _lines_before_edit = _line_count();
 }
 
 void Editor::_finalize_undo(int hi_new) {
+  _lines_before_edit = -1;
   if (_undo_stack.empty()) return;
   UndoRecord& record = _undo_stack.back();
   finish_record(record, lines, fmt_lines, pagebreak_lines, hi_new);
   record.new_cx = cx;
   record.new_cy = cy;
   if (_word_count) *_word_count += record.word_delta;
+}
+
+// Takes back an edit that a failure has cut short: what it had taken out of the document and not yet put back is
+// in its record alone.
+void Editor::_abandon_open_edit() {
+  int before = std::exchange(_lines_before_edit, -1);
+  if (before < 0) return;
+  UndoRecord& record = _undo_stack.back();
+  auto first = static_cast<std::size_t>(record.lo);
+  auto behind = static_cast<std::size_t>(before - record.lo - record.old_count);
+  lines.splice(first, lines.size() - behind - first, std::move(record.old_lines));
+  fmt_lines.splice(first, fmt_lines.size() - behind - first, std::move(record.old_fmt));
+  pagebreak_lines = std::move(record.old_pbl);
+  _undo_stack.pop_back();
 }
 
 void Editor::_push_undo_bulk() { _push_undo(0, _line_count()); }

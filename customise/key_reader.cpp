@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "core/editor.h"
+#include "core/signals.h"
 #include "screen/curses.h"
 #include "terminal/child_process.h"
 
@@ -71,11 +72,13 @@ void Editor::_look_at_resize_watch() {
 }
 
 // Waits until input is there (true), the limit is over or a signal came (false). SIGWINCH is delivered
-// only in here.
+// only in here; a signal that asks for the session's end ends it here, and none is missed between looking for
+// it and waiting.
 bool Editor::_wait_for_input(std::optional<milliseconds> limit) {
   ::pollfd waiting{_machine.input, POLLIN, 0};
-  sigset_t mask;
-  ::sigprocmask(SIG_SETMASK, nullptr, &mask);
+  const EndSignalsBlocked blocked;
+  if (int signal = noted_end_signal()) throw EndRequest{signal};
+  sigset_t mask = blocked.before();
   sigdelset(&mask, SIGWINCH);
   ::timespec time{};
   if (limit) {
@@ -90,6 +93,7 @@ bool Editor::_wait_for_input(std::optional<milliseconds> limit) {
 #else
   int ready = ::ppoll(&waiting, 1, limit ? &time : nullptr, &mask);
 #endif
+  if (int signal = noted_end_signal()) throw EndRequest{signal};
   return ready > 0;
 }
 
@@ -99,7 +103,7 @@ bool Editor::_fill_input(std::optional<milliseconds> limit) {
   if (!_wait_for_input(limit)) return false;
   std::array<char, 4096> bytes;
   ssize_t count = ::read(_machine.input, bytes.data(), bytes.size());
-  if (count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN)) throw StopRequest{};
+  if (count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN)) throw EndRequest{SIGHUP};
   if (count < 0) return false;
   if (_input_at == _input.size()) {
     _input.clear();

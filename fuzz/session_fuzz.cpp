@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "core/editor.h"
+#include "core/signals.h"
 #include "core/unicode.h"
 #include "documents/file_access.h"
 #include "documents/odt_writer.h"
@@ -325,6 +326,7 @@ void Stage::play(std::string_view input) {
     try {
       editor.run();
     } catch (const StopRequest&) {
+    } catch (const EndRequest&) {
     }
     check_frame(editor, typist);
     check_history(editor);

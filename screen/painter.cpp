@@ -10,6 +10,7 @@
 #include <cwchar>
 #include <utility>
 
+#include "core/signals.h"
 #include "screen/curses.h"
 // The names of the terminal's capabilities are macros; they end with this file.
 #include <term.h>
@@ -153,7 +154,7 @@ std::string Painter::_sequence_for(std::uint64_t look) {
 
 void Painter::_write() {
   std::string_view rest = _frame;
-  while (!rest.empty()) {
+  while (!rest.empty() && noted_end_signal() == 0) {  // a terminal that takes nothing must not hold up the end
     ssize_t count = ::write(_output, rest.data(), rest.size());
     if (count > 0) {
       rest.remove_prefix(static_cast<std::size_t>(count));

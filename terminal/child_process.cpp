@@ -215,7 +215,7 @@ bool collect(Descriptor& output, std::string& collected) {
 }
 
 // Moves input and output at the same time until the child has ended. True when it ended by itself and
-// printed no more than it may.
+// printed no more than it may; a session that is asked to end does not wait for it.
 bool converse(Child& child, Streams& ours, const ChildOptions& options, Clock::time_point begun, ChildResult& result) {
   std::string_view unwritten = options.input;
   auto pause = SHORTEST_PAUSE;
@@ -224,10 +224,7 @@ bool converse(Child& child, Streams& ours, const ChildOptions& options, Clock::t
       result.timed_out = true;
       return false;
     }
-    if (!ours.input && !ours.output && !options.time_limit) {
-      child.wait();
-      break;
-    }
+    if (noted_end_signal() != 0) return false;
     pause = wait_for(ours, pause) ? SHORTEST_PAUSE : std::min(pause * 2, LONGEST_PAUSE);
     if (ours.input) feed(ours.input, unwritten);
     if (ours.output) collect(ours.output, result.output);

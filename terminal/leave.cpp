@@ -1,12 +1,23 @@
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include "core/editor.h"
+#include "core/failure.h"
+#include "core/signals.h"
+#include "core/unicode.h"
+#include "documents/rescue_copy.h"
 #include "terminal/child_process.h"
 #include "terminal/console_requests.h"
 #include "terminal/escapes.h"
 
 namespace brenlow {
+
+namespace {
+
+constexpr int LONGEST_STALL_MS = 500;
+
+}  // namespace
 
 void clear_terminal() {
   std::optional<ChildResult> run = run_child({"clear"});
@@ -29,6 +40,34 @@ void Editor::do_exit() {
   }
   _give_terminal_back();
   throw StopRequest{};
+}
+
+std::string Editor::_leave_unasked() {
+  ignore_end_signals();
+  std::string farewell = _rescue();
+  // A terminal that takes nothing more must not hold up the end.
+  ::pollfd room{_machine.output, POLLOUT, 0};
+  if (::poll(&room, 1, LONGEST_STALL_MS) == 0) ::tcflush(_machine.output, TCOFLUSH);
+  _give_terminal_back();
+  return farewell;
+}
+
+std::string Editor::_rescue() {
+  _reserve.reset();
+  _redo_stack.clear();
+  _syn_lines.clear();
+  std::string told;
+  try {
+    _abandon_open_edit();
+    _undo_stack.clear();
+    if (!modified) return "";
+    std::string path =
+        write_rescue_copy({lines, fmt_lines, pagebreak_lines}, filepath, _default_extension, home_folder());
+    told = "the changes that were not saved are in " + path;
+  } catch (const std::exception& failure) {
+    told = "the changes that were not saved are lost: " + reason_of(failure);
+  }
+  return "brenlow: " + plain_print(told) + "\n";
 }
 
 void Editor::_give_terminal_back() {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <random>
 
+#include "core/signals.h"
 #include "terminal/descriptor.h"
 #include "tests/support/editor_session.h"
 #include "tests/terminal/fake_machine.h"
@@ -102,8 +103,8 @@ TEST(KeyReader, AWaitingReadComesBackForANewSizeAndEndsWithTheTerminal) {
   session->_serve_resize();
   Descriptor gone(::open("/dev/null", O_RDONLY | O_CLOEXEC));
   session->_machine.input = gone.get();
-  EXPECT_THROW(session->_getch(), StopRequest);
-  EXPECT_THROW(session->_read_escape_seq(), StopRequest);
+  EXPECT_THROW(session->_getch(), EndRequest);
+  EXPECT_THROW(session->_read_escape_seq(), EndRequest);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "screen/curses.h"
 #include "tests/support/editor_session.h"
+#include "tests/support/working_folder.h"
 
 namespace brenlow::test {
 
@@ -44,17 +45,5 @@ inline void resize_once_open(EditorSession& session, int rows, int cols) {
   ::resizeterm(old_rows, old_cols);
   Editor::_sigwinch_pending = 1;
 }
-
-// A working folder for the time of a test.
-class WorkingFolder {
- public:
-  explicit WorkingFolder(const std::filesystem::path& path) { std::filesystem::current_path(path); }
-  ~WorkingFolder() { std::filesystem::current_path(_before); }
-  WorkingFolder(const WorkingFolder&) = delete;
-  WorkingFolder& operator=(const WorkingFolder&) = delete;
-
- private:
-  std::filesystem::path _before = std::filesystem::current_path();
-};
 
 }  // namespace brenlow::test

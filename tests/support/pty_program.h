@@ -56,6 +56,8 @@ class PtyProgram {
   void send(std::string_view bytes, Where where = Where::current());
   void resize(int rows, int cols);
   void kill(int signal) const;
+  void hang_up() { _terminal.hang_up(); }
+  pid_t process() const { return _pid; }
   void wait_for(std::string_view text, Where where = Where::current());
   void wait_until(const std::function<bool(const TerminalScreen&)>& holds, std::string_view what,
                   Where where = Where::current());
