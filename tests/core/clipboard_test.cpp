@@ -98,18 +98,6 @@ TEST_F(Clipboard, ToolsThatFailOrHangLeaveTheRichCopy) {
   }
 }
 
-TEST_F(Clipboard, ControlCharactersOfTenMegabytesStayTextAndDrawOneCellEach) {
-  std::string text;
-  while (text.size() < 10'000'000) text += std::string("a\r\0\x1b[2J\x7f\xc2\x9b\tz ", 13);
-  others_copy(text);
-  session.document("|");
-  session.press(PASTE);
-  EXPECT_TRUE(session->lines[0].view() == decode_utf8(text));
-  session->cx = 4;
-  EXPECT_TRUE(session.draw().row(1).starts_with(" a���[2J��→z a���[2J��→z a���"));
-  EXPECT_EQ(session.screen().cursor_col(), 5);
-}
-
 TEST_F(Clipboard, PlainTextKeepsEveryFormatAroundItOnItsCharacters) {
   for (const Case& c : {
            // In one line: the format left of the cursor.

@@ -1,12 +1,9 @@
 #include "customise/settings.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 
-#include "core/failure.h"
-#include "customise/conf_file.h"
 #include "tests/support/temporary_folder.h"
 
 using namespace brenlow;
@@ -85,21 +82,4 @@ TEST_F(SettingsTest, SettingsOfAnEarlierVersionAreTakenOverOnce) {
   EXPECT_TRUE(read_bytes(files.CONFIG_FILE).ends_with("by hand.\nzeta: 1.5\nalpha: 3\n"));
   write_bytes(files.CONFIG_FILE_OLD, R"({"margin_left": 50})");
   EXPECT_EQ(setting_margin(load_config(files), "margin_left"), 7);
-}
-
-TEST_F(SettingsTest, AFileThatIsNoSettingsFileCountsAsEmptyWithoutAWord) {
-  testing::internal::CaptureStderr();
-  std::filesystem::create_directory(files.CONFIG_FILE);
-  EXPECT_TRUE(load_config(files).entries().empty());
-  EXPECT_THROW(save_config(files, {}), Failure);
-  persist_setting(files, "margin_left", 5LL);
-  std::filesystem::remove(files.CONFIG_FILE);
-  ASSERT_EQ(mkfifo(files.CONFIG_FILE.c_str(), 0600), 0);
-  EXPECT_TRUE(load_config(files).entries().empty());
-  std::filesystem::remove(files.CONFIG_FILE);
-  for (const std::string& bytes : {std::string("a: b\n\0", 6), std::string(CONF_FILE_LIMIT, '\n') + "a: b\n"}) {
-    write_bytes(files.CONFIG_FILE, bytes);
-    EXPECT_TRUE(load_config(files).entries().empty());
-  }
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

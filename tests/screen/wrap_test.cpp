@@ -19,16 +19,6 @@ std::vector<std::u32string> rows_of(std::u32string_view text, int width) {
 
 using Rows = std::vector<std::u32string>;
 
-TEST(Wrap, BreaksAtBlanksAndCutsWordsThatAreTooLong) {
-  EXPECT_EQ(rows_of(U"", 5), Rows{U""});
-  EXPECT_EQ(rows_of(U"12345", 5), Rows{U"12345"});
-  EXPECT_EQ(rows_of(U"12345 78", 5), (Rows{U"12345", U"78"})) << "a blank just behind the width counts";
-  EXPECT_EQ(rows_of(U"ab  cd", 4), (Rows{U"ab ", U"cd"})) << "just the blank broken at is dropped";
-  EXPECT_EQ(rows_of(U"abcdefgh", 3), (Rows{U"abc", U"def", U"gh"}));
-  EXPECT_EQ(rows_of(U" abcdefg", 4), (Rows{U" abc", U"defg"})) << "no break at a blank in front";
-  EXPECT_EQ(rows_of(U"12345 ", 5), (Rows{U"12345", U""}));
-}
-
 TEST(Wrap, ListItemsHangTwoColumnsIn) {
   EXPECT_EQ(rows_of(U"- one two three", 7), (Rows{U"- one", U"two", U"three"}));
   EXPECT_EQ(rows_of(U"- ", 1), (Rows{U"-", U""})) << "a dash and a blank alone are plain text";

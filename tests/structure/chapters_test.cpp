@@ -7,16 +7,6 @@
 
 namespace brenlow {
 
-TEST(Chapters, AnyLineWithAHashInItsFirstColumnIsAHeader) {
-  EXPECT_TRUE(is_header(U"#word"));
-  EXPECT_FALSE(is_header(U" # blank before"));
-  EXPECT_FALSE(is_header(U""));
-  EXPECT_EQ(header_level(U"####"), 4);
-  EXPECT_EQ(header_level(U"text #"), 0);
-  EXPECT_EQ(chapter_title(U"## \u00A0Sub # chapter\t"), U"Sub # chapter");
-  EXPECT_EQ(chapter_title(U"##"), U"");
-}
-
 TEST(Chapters, FoldsHideWhatTheRangeOfEachFoldedLineHolds) {
   std::mt19937 random(3);
   for (int round = 0; round < 3'000; ++round) {

@@ -47,13 +47,4 @@ TEST(Matching, FindsWhatASearchThroughLoweredCopiesFinds) {
   }
 }
 
-TEST(Matching, PositionsOutsideTheLineAndEmptyTermsFindNothing) {
-  const Needle needle(U"ab", false), empty(U"", true);
-  EXPECT_EQ(needle.find(U"ab", 3), -1);
-  EXPECT_EQ(needle.find(U"ab", -5), 0);
-  EXPECT_EQ(needle.rfind(U"abab", -1), -1);
-  EXPECT_EQ(needle.rfind(U"abab", 99), 2);
-  EXPECT_EQ(empty.find(U"ab", 0) + empty.rfind(U"ab", 2) + empty.count(U"ab"), -2);
-}
-
 }  // namespace brenlow
