@@ -41,6 +41,14 @@ TEST_F(RecentFilesTest, TheLatestTwentyThatStillExistStayAndOneFileIsListedOnce)
   EXPECT_EQ(parse_recent_files(read_bytes(files.RECENT_FILES_FILE)), expected);
 }
 
+TEST_F(RecentFilesTest, EveryFileNameComesBackByteForByte) {
+  const Paths paths = {"/tmp/\xC3\xA9t\xC3\xA9 \"\\\n.odt", "/tmp/caf\xE9.txt", "/\xF0\x9F\x98\x80\xF0\x9F",
+                       "/\xF4\x8F\xBE\x80\xFF\x80", "/\xED\xA0\x80"};
+  const std::string json = recent_files_json(paths);
+  EXPECT_TRUE(std::ranges::all_of(json, [](char c) { return c >= 0x20 && c < 0x7F; })) << json;
+  EXPECT_EQ(parse_recent_files(json), paths);
+}
+
 TEST_F(RecentFilesTest, AListOfAnotherShapeCountsAsEmpty) {
   for (const std::string& text : {std::string(), std::string("{\"a\": \"/\"}"), std::string("[\"/\""),
                                   std::string("[\"/\\u0000\", \"\", 5, null, [\"/\"]]"), std::string("\"/\""),

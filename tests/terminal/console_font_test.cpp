@@ -37,7 +37,7 @@ TEST_F(ConsoleFont, OneFontPerSizeIsOfferedTheBestOfItsKind) {
                                                                       {"one/b24.psf", psf2(12, 24)},
                                                                       {"one/a24.psf.gz", gzipped(psf2(12, 24))},
                                                                       {"one/wide.psf", psf2(16, 16)},
-                                                                      {"one/a9.psf", psf1(9)},
+                                                                      {"one/A9.psf", psf1(9)},
                                                                       {"one/Spleen9.psf", psf1(9)},
                                                                       {"one/readme.txt", psf1(10)},
                                                                       {"one/cut.psf", psf1(11).substr(0, 200)},
