@@ -162,9 +162,11 @@ int flush_folder_of(const std::string& path) {
 
 // Fills a file that was just made; takes it away again on a failure.
 void fill_new(FileDescriptor file, const std::string& path, std::string_view bytes, Durability durability) {
-  std::size_t written = 0;
   int error = reserve(file.get(), bytes.size());
-  if (!error) error = write_whole(file.get(), bytes, durability, written);
+  if (!error) {
+    std::size_t written = 0;
+    error = write_whole(file.get(), bytes, durability, written);
+  }
   if (int close_error = close_checked(std::move(file)); !error) error = close_error;
   if (!error && durability == Durability::ON_DISK) error = flush_folder_of(path);
   if (!error) return;

@@ -122,15 +122,19 @@ XmlTree base_tree(const Source& source, const KeptContent* kept) {
 
 using Append = std::function<void(std::string&)>;
 
-std::string content_xml(const XmlTree& tree, std::string styles, const Append& append_text) {
+std::string content_xml(const XmlTree& tree, const std::string& styles, const Append& append_text) {
   using Place = XmlInsertion::Place;
   std::vector<XmlInsertion> insertions{{find_office_text(tree.root()), Place::INSTEAD_OF_CHILDREN, append_text}};
   const Append append_styles = [&](std::string& out) { out += styles; };
+  const Append append_section = [&](std::string& out) {
+    out += "<office:automatic-styles>";
+    out += styles;
+    out += "</office:automatic-styles>";
+  };
   if (const XmlNode* automatic_styles = first_child(tree.root(), NS_OFFICE, "automatic-styles")) {
     insertions.push_back({automatic_styles, Place::BEHIND_CHILDREN, append_styles});
   } else {
-    styles = "<office:automatic-styles>" + styles + "</office:automatic-styles>";
-    insertions.push_back({first_child(tree.root(), NS_OFFICE, "body"), Place::BEFORE, append_styles});
+    insertions.push_back({first_child(tree.root(), NS_OFFICE, "body"), Place::BEFORE, append_section});
   }
   std::string content = R"(<?xml version="1.0" encoding="UTF-8"?>)"
                         "\n";
