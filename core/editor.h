@@ -339,14 +339,18 @@ class Editor {
   // ---- drawing ------------------------------------------------------------ screen/drawing.cpp
   screen::Canvas _canvas;  // everything that is drawn; as large as the screen
   screen::Painter _painter{_machine.output};
-  std::map<int, DrawnRow> _drawn_rows;  // by screen row; a row is kept while it would be made of the same
-  std::uint64_t _row_contents = 0;      // numbers given to rows
+  std::vector<DrawnRow> _drawn_rows;  // by screen row; a row is kept while it would be made of the same
+  std::uint64_t _row_contents = 0;    // numbers given to rows
   void draw();
   void _draw_titlebar();
   void _draw_text();
-  void _draw_rule_row(int row, std::u32string_view label);
-  void _draw_text_row(int row, const MapEntry& entry, RowLayers& layers);
-  bool _row_is_drawn(int screen_row, const MapEntry& entry, std::pair<int, int> selection);
+  std::vector<DrawnRow> _planned_rows();
+  DrawnRow _planned_text_row(const MapEntry& entry);
+  bool _row_stands(const DrawnRow& row, int at) const;
+  void _move_drawn_rows(const std::vector<DrawnRow>& planned);
+  void _draw_row(int screen_row, DrawnRow& row, RowLayers& layers);
+  void _draw_rule_row(int screen_row, std::u32string_view label);
+  void _draw_text_row(int screen_row, const DrawnRow& row, RowLayers& layers);
   void _collect_line_layers(int ly, RowLayers& layers);
   screen::Style _cell_style(const RowLayers& layers, int position, int& run_end);
 

@@ -26,7 +26,11 @@ class SharedArray {
     if (_block) ++_block->references;
   }
   SharedArray(SharedArray&& other) noexcept : _block(std::exchange(other._block, nullptr)) {}
-  SharedArray& operator=(const SharedArray& other) noexcept { return *this = SharedArray(other); }
+  SharedArray& operator=(const SharedArray& other) noexcept {
+    SharedArray copy(other);
+    std::swap(_block, copy._block);
+    return *this;
+  }
   SharedArray& operator=(SharedArray&& other) noexcept {
     Block* taken = std::exchange(other._block, nullptr);
     _release();

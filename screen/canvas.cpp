@@ -31,17 +31,13 @@ std::uint64_t shown_as(char32_t character) {
 void Canvas::reset(int rows, int cols) {
   _rows = std::max(rows, 0);
   _cols = std::max(cols, 0);
-  _drawn.assign(static_cast<std::size_t>(_rows) * static_cast<std::size_t>(_cols), Cell{});
+  _drawn.assign(static_cast<std::size_t>(_rows), Row(static_cast<std::size_t>(_cols)));
   _shown = _drawn;
   _states.assign(static_cast<std::size_t>(_rows), {});
+  _shifts.clear();
   _reset = true;
   _cursor = {0, 0};
   _written_end = {-1, -1};
-}
-
-std::span<Cell> Canvas::_cells(std::vector<Cell>& picture, int row) {
-  auto width = static_cast<std::size_t>(_cols);
-  return {picture.data() + static_cast<std::size_t>(row) * width, width};
 }
 
 void Canvas::erase() {
@@ -50,7 +46,7 @@ void Canvas::erase() {
 }
 
 void Canvas::_blank(int row) {
-  std::span<Cell> cells = _cells(_drawn, row);
+  Row& cells = _drawn[static_cast<std::size_t>(row)];
   std::fill(cells.begin(), cells.end(), Cell{});
   _states[static_cast<std::size_t>(row)] = {.touched = true};
 }
@@ -59,12 +55,22 @@ void Canvas::mark(int row, std::uint64_t content) {
   if (row >= 0 && row < _rows) _states[static_cast<std::size_t>(row)].content = content;
 }
 
-bool Canvas::keep(int row, std::uint64_t content) {
+bool Canvas::holds(int row, std::uint64_t content) const {
   if (row < 0 || row >= _rows || content == 0) return false;
-  RowState& state = _states[static_cast<std::size_t>(row)];
-  if (!state.stale || state.content != content) return false;
-  state.stale = false;
+  const RowState& state = _states[static_cast<std::size_t>(row)];
+  return state.stale && state.content == content;
+}
+
+bool Canvas::keep(int row, std::uint64_t content) {
+  if (!holds(row, content)) return false;
+  _states[static_cast<std::size_t>(row)].stale = false;
   return true;
+}
+
+void Canvas::shift(RowShift band) {
+  band.move(_drawn, Row(static_cast<std::size_t>(_cols)));
+  band.move(_states, {.stale = true, .touched = true});
+  _shifts.push_back(band);
 }
 
 void Canvas::put(int row, int column, TextView text, Style style) {
@@ -74,7 +80,7 @@ void Canvas::put(int row, int column, TextView text, Style style) {
   if (state.stale) _blank(row);
   state.touched = true;
   state.content = 0;
-  Cell* cell = &_cells(_drawn, row)[static_cast<std::size_t>(column)];
+  Cell* cell = &_drawn[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
   std::uint64_t look = Cell::look_of(style);
   text.visit([&](auto characters) {
     // Plain text, which is most of it, in loops that the compiler can run on several cells at once.
@@ -100,7 +106,13 @@ void Canvas::place_cursor(int row, int column) {
   if (row >= 0 && column >= 0 && row < _rows && column < _cols) _cursor = {row, column};
 }
 
-void Canvas::show(const std::function<void(int, int, std::span<const Cell>)>& emit) {
+void Canvas::show(const Scroll& scroll, const Emit& emit) {
+  for (RowShift band : std::exchange(_shifts, {})) {
+    if (scroll(band))
+      band.move(_shown, Row(static_cast<std::size_t>(_cols)));
+    else
+      for (int row = band.top; row < band.bottom; ++row) _states[static_cast<std::size_t>(row)].touched = true;
+  }
   for (int row = 0; row < _rows; ++row) {
     RowState& state = _states[static_cast<std::size_t>(row)];
     if (state.stale) _blank(row);
@@ -108,9 +120,9 @@ void Canvas::show(const std::function<void(int, int, std::span<const Cell>)>& em
   }
 }
 
-void Canvas::_show_row(int row, const std::function<void(int, int, std::span<const Cell>)>& emit) {
-  std::span<const Cell> drawn = _cells(_drawn, row);
-  std::span<Cell> shown = _cells(_shown, row);
+void Canvas::_show_row(int row, const Emit& emit) {
+  std::span<const Cell> drawn = _drawn[static_cast<std::size_t>(row)];
+  std::span<Cell> shown = _shown[static_cast<std::size_t>(row)];
   if (std::memcmp(drawn.data(), shown.data(), drawn.size_bytes()) == 0) return;
   auto first = std::mismatch(drawn.begin(), drawn.end(), shown.begin()).first;
   auto wide = [](const Cell& cell) { return cell.is(Cell::WIDE); };

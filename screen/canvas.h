@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -39,6 +40,22 @@ struct Cell {
   friend bool operator==(const Cell&, const Cell&) = default;
 };
 
+// A band of rows whose content moves down, or up where `by` is negative. What leaves the band is lost.
+struct RowShift {
+  int top, bottom;  // the first row, and the one below the last
+  int by;
+
+  // Moves the elements of a list that has one for each row; `vacated` takes the places that nothing moves to.
+  template <class List>
+  void move(List& list, const typename List::value_type& vacated) const {
+    auto first = list.begin() + top, last = list.begin() + bottom;
+    if (by > 0)
+      std::fill(first, std::rotate(first, last - by, last), vacated);
+    else
+      std::fill(std::rotate(first, first - by, last), last, vacated);
+  }
+};
+
 // The picture that is being drawn and the one that was shown last. Everything that is drawn is drawn into
 // here; only what differs goes on to the terminal.
 class Canvas {
@@ -50,10 +67,13 @@ class Canvas {
   bool take_reset() { return std::exchange(_reset, false); }  // whether reset was called since the last time
   // Begins a new picture: a row that nothing is put on, and that is not kept, becomes blank.
   void erase();
-  // For a row that is dear to draw: `mark` gives what was drawn on it a number, not 0, and `keep` leaves the row
-  // as it is and returns true if it holds just that, with nothing put on it since.
+  // For a row that is dear to draw: `mark` gives what was drawn on it a number, not 0. Before anything is put on it,
+  // `holds` tells whether that is still there, and `keep` leaves it as it is if so.
   void mark(int row, std::uint64_t content);
+  bool holds(int row, std::uint64_t content) const;
   bool keep(int row, std::uint64_t content);
+  // Moves rows of the old picture, with their numbers, before anything is put on them.
+  void shift(RowShift band);
   // Writes text from a cell on. Every character takes the cells of plain print: controls and characters
   // that cannot be shown become one visible cell, a combining mark stands alone. What falls off the screen is
   // dropped; nothing wraps, scrolls or fails.
@@ -65,8 +85,10 @@ class Canvas {
   std::pair<int, int> cursor() const { return _cursor; }
 
   // Hands every stretch of cells that differs from what was shown to `emit(row, column, cells)`, and takes it
-  // as shown.
-  void show(const std::function<void(int, int, std::span<const Cell>)>& emit);
+  // as shown. Before that, `scroll` is asked to move the rows of what was shown; false if it cannot.
+  using Scroll = std::function<bool(RowShift)>;
+  using Emit = std::function<void(int row, int column, std::span<const Cell>)>;
+  void show(const Scroll& scroll, const Emit& emit);
 
  private:
   struct RowState {
@@ -74,14 +96,15 @@ class Canvas {
     bool touched = false;       // may differ from what was shown
     std::uint64_t content = 0;  // as marked; 0: something else
   };
-  std::span<Cell> _cells(std::vector<Cell>& picture, int row);
+  using Row = std::vector<Cell>;
   void _blank(int row);
-  void _show_row(int row, const std::function<void(int, int, std::span<const Cell>)>& emit);
+  void _show_row(int row, const Emit& emit);
 
   int _rows = 0, _cols = 0;
   bool _reset = false;
-  std::vector<Cell> _drawn, _shown;
+  std::vector<Row> _drawn, _shown;
   std::vector<RowState> _states;  // one per row
+  std::vector<RowShift> _shifts;  // of the old picture, since it was shown
   std::pair<int, int> _cursor{0, 0};
   std::pair<int, int> _written_end{-1, -1};  // the cell behind the last one that put wrote
 };

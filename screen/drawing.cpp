@@ -96,6 +96,16 @@ void Editor::_draw_titlebar() {
 }
 
 void Editor::_draw_text() {
+  std::vector<DrawnRow> planned = _planned_rows();
+  _drawn_rows.resize(planned.size());
+  _move_drawn_rows(planned);
+  RowLayers layers;
+  for (std::size_t row = 0; row < planned.size(); ++row) _draw_row(static_cast<int>(row), planned[row], layers);
+  _drawn_rows = std::move(planned);
+}
+
+// What belongs on every row of the screen from the first one down to the last one of the text.
+std::vector<DrawnRow> Editor::_planned_rows() {
   const ScreenMap& map = _build_screen_map();
   int map_size = static_cast<int>(map.size());
   int first = scroll_y;
@@ -108,31 +118,109 @@ void Editor::_draw_text() {
       const MapEntry entry = map[static_cast<std::size_t>(first)];
       if (entry.start == 0 && pagebreak_lines.contains(entry.ly) && ++row >= 0) break;
     }
-    limit = edit_rows() + 1;
+    limit = std::min(edit_rows() + 1, rows() - _text_top());
   }
-  RowLayers layers;
-  for (; row < limit; ++row, ++first) {
-    if (first >= map_size) {
-      if (first == map_size) _draw_rule_row(row, U"End ──");
-      continue;
+  DrawnRow rule{.margins = {_lmargin(), _rmargin()}};
+  std::vector<DrawnRow> planned(static_cast<std::size_t>(std::max(limit, 0) + _text_top()), rule);
+  auto at = [&](int text_row) -> DrawnRow& { return planned[static_cast<std::size_t>(text_row + _text_top())]; };
+  for (row = std::max(row, 0); row < limit && first <= map_size; ++row, ++first) {
+    if (first == map_size) {
+      at(row).kind = DrawnRow::Kind::END;
+      break;
     }
     const MapEntry entry = map[static_cast<std::size_t>(first)];
     if (_has_separator(entry)) {
-      _draw_rule_row(row, U"Page Break ──");
+      at(row).kind = DrawnRow::Kind::PAGE_BREAK;
       if (++row >= limit) break;
     }
-    _draw_text_row(row, entry, layers);
+    at(row) = _planned_text_row(entry);
   }
+  return planned;
+}
+
+DrawnRow Editor::_planned_text_row(const MapEntry& entry) {
+  std::pair<int, int> selection{0, 0};
+  if (std::optional<Range> range = _sel_range(); range && entry.ly >= range->sy && entry.ly <= range->ey) {
+    auto [from, to] = _range_columns(*range, entry.ly);
+    selection = {from - entry.start, to - entry.start};
+  }
+  return {.kind = DrawnRow::Kind::TEXT,
+          .entry = entry,
+          .line = _line(entry.ly),
+          .format = _fmt(entry.ly),
+          .syntax = _syn_rules.empty() ? SharedArray<SyntaxSpan>() : _syn_spans(entry.ly),
+          .selection = selection,
+          .margins = {_lmargin(), _rmargin()},
+          .lasting = !_find_active && _kgrep_term.empty() && !_folded_chapters.contains(entry.ly)};
+}
+
+// Whether a row would look just as the one that was drawn at a place.
+bool Editor::_row_stands(const DrawnRow& row, int at) const {
+  const DrawnRow& drawn = _drawn_rows[static_cast<std::size_t>(at)];
+  return row.made_of_the_same(drawn) && _canvas.holds(at, drawn.content);
+}
+
+// Where many rows stand on the screen already, only higher or lower, they are moved there: a line that comes or goes
+// costs no more than itself.
+void Editor::_move_drawn_rows(const std::vector<DrawnRow>& planned) {
+  constexpr int FEWEST = 4;
+  auto stands = [&](int row, int at) { return _row_stands(planned[static_cast<std::size_t>(row)], at); };
+  int first = _text_top(), end = static_cast<int>(planned.size());
+  while (first < end && stands(first, first)) ++first;
+  while (first < end && stands(end - 1, end - 1)) --end;
+  if (end - first < FEWEST) return;
+  // A row from the middle tells how far; blank lines are alike everywhere.
+  int probe = (first + end) / 2;
+  while (probe < end && planned[static_cast<std::size_t>(probe)].entry.length == 0) ++probe;
+  if (probe == end) return;
+  int by = 0;
+  for (int distance = 1; by == 0 && distance < end - first; ++distance) {
+    if (probe - distance >= first && stands(probe, probe - distance)) by = distance;
+    if (probe + distance < end && stands(probe, probe + distance)) by = -distance;
+  }
+  if (by == 0) return;
+  int top = probe, bottom = probe + 1;  // of the rows that will stand where they belong
+  while (top > first && top - by > first && stands(top - 1, top - 1 - by)) --top;
+  while (bottom < end && bottom - by < end && stands(bottom, bottom - by)) ++bottom;
+  if (bottom - top < FEWEST) return;
+  screen::RowShift band{.top = std::min(top, top - by), .bottom = std::max(bottom, bottom - by), .by = by};
+  _canvas.shift(band);
+  band.move(_drawn_rows, DrawnRow{});
+}
+
+void Editor::_draw_row(int screen_row, DrawnRow& row, RowLayers& layers) {
+  if (screen_row < _text_top()) return;
+  const std::uint64_t before = _drawn_rows[static_cast<std::size_t>(screen_row)].content;
+  if (_row_stands(row, screen_row) && _canvas.keep(screen_row, before)) {
+    row.content = before;
+    return;
+  }
+  switch (row.kind) {
+    case DrawnRow::Kind::BLANK:
+      _canvas.put(screen_row, 0, U" ");
+      break;
+    case DrawnRow::Kind::TEXT:
+      _draw_text_row(screen_row, row, layers);
+      break;
+    case DrawnRow::Kind::PAGE_BREAK:
+      _draw_rule_row(screen_row, U"Page Break ──");
+      break;
+    case DrawnRow::Kind::END:
+      _draw_rule_row(screen_row, U"End ──");
+      break;
+  }
+  row.content = ++_row_contents;
+  _canvas.mark(screen_row, row.content);
 }
 
 // A rule with its label at the right end of the text width.
-void Editor::_draw_rule_row(int row, std::u32string_view label) {
+void Editor::_draw_rule_row(int screen_row, std::u32string_view label) {
   int width = cols() - _lmargin() - _rmargin();
   std::u32string text(static_cast<std::size_t>(std::max(width - static_cast<int>(label.size()) - 1, 0)), U'─');
   text += U' ';
   text += label;
   text.resize(std::min(text.size(), static_cast<std::size_t>(std::max(width, 0))));
-  _canvas.put(row + _text_top(), _lmargin(), text, {A_DIM, screen::PAIR_RULE});
+  _canvas.put(screen_row, _lmargin(), text, {A_DIM, screen::PAIR_RULE});
 }
 
 // What the searches mark in the whole line; kept while rows of the same line follow.
@@ -174,41 +262,15 @@ screen::Style Editor::_cell_style(const RowLayers& layers, int position, int& ru
   return style;
 }
 
-// Whether the row still holds what it would be drawn from; if not, takes down what it will.
-bool Editor::_row_is_drawn(int screen_row, const MapEntry& entry, std::pair<int, int> selection) {
-  bool marked = _find_active || !_kgrep_term.empty() || _folded_chapters.contains(entry.ly);
-  DrawnRow row{.line = _line(entry.ly),
-               .format = _fmt(entry.ly),
-               .syntax = _syn_rules.empty() ? SharedArray<SyntaxSpan>() : _syn_spans(entry.ly),
-               .start = entry.start,
-               .length = entry.length,
-               .selection = selection,
-               .margins = {_lmargin(), _rmargin()},
-               .content = marked ? 0 : ++_row_contents};
-  DrawnRow& before = _drawn_rows[screen_row];
-  if (!marked && before.made_of_the_same(row) && _canvas.keep(screen_row, before.content)) return true;
-  before = std::move(row);
-  return false;
-}
-
-void Editor::_draw_text_row(int row, const MapEntry& entry, RowLayers& layers) {
+void Editor::_draw_text_row(int screen_row, const DrawnRow& row, RowLayers& layers) {
+  const MapEntry& entry = row.entry;
   int start = entry.start;
   int end = start + entry.length;
-  int screen_row = row + _text_top();
-  layers.selection = {0, 0};
-  if (std::optional<Range> range = _sel_range(); range && entry.ly >= range->sy && entry.ly <= range->ey) {
-    auto [from, to] = _range_columns(*range, entry.ly);
-    layers.selection = {from - start, to - start};
-  }
-  if (_row_is_drawn(screen_row, entry, layers.selection)) return;
-
+  layers.selection = row.selection;
   std::u32string composed;
   TextView text = _row_text(entry, composed);
-  clip_spans(_fmt(entry.ly), start, end, layers.format);
-  if (_syn_rules.empty())
-    layers.syntax.clear();
-  else
-    clip_spans(_syn_spans(entry.ly), start, end, layers.syntax);
+  clip_spans(row.format, start, end, layers.format);
+  clip_spans(row.syntax, start, end, layers.syntax);
   _collect_line_layers(entry.ly, layers);
   clip(layers.line_kgrep, start, end, layers.kgrep);
   clip(layers.line_find, start, end, layers.find);
@@ -229,7 +291,6 @@ void Editor::_draw_text_row(int row, const MapEntry& entry, RowLayers& layers) {
     column += length;
     position = run_end;
   }
-  _canvas.mark(screen_row, _drawn_rows[screen_row].content);
 }
 
 }  // namespace brenlow

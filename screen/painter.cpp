@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <cwchar>
 #include <utility>
 
@@ -50,7 +51,8 @@ void Painter::show(_win_st* window, Canvas& canvas) {
   if (cleared) _cursor = {-1, -1};
   _rows = canvas.rows();
   _cols = canvas.cols();
-  canvas.show([this](int row, int column, std::span<const Cell> cells) { _stretch(row, column, cells); });
+  canvas.show([this](RowShift band) { return _scroll(band); },
+              [this](int row, int column, std::span<const Cell> cells) { _stretch(row, column, cells); });
   if (_frame.empty() && canvas.cursor() == _cursor) return;
   _set_look(0);
   _move(canvas.cursor().first, canvas.cursor().second);
@@ -61,6 +63,18 @@ void Painter::show(_win_st* window, Canvas& canvas) {
 void Painter::_clear_screen() {
   _set_look(0);
   _frame += capability(clear_screen);
+}
+
+// Rows that are put in or taken out within a scrolling region are blank if no look is set.
+bool Painter::_scroll(RowShift band) {
+  const char* change = band.by > 0 ? parm_insert_line : parm_delete_line;
+  if (!change_scroll_region || !change) return false;
+  _set_look(0);
+  _frame += capability(::tiparm(change_scroll_region, band.top, band.bottom - 1));
+  _move(band.top, 0);
+  _frame += capability(::tiparm(change, std::abs(band.by)));
+  _frame += capability(::tiparm(change_scroll_region, 0, _rows - 1));
+  return true;
 }
 
 void Painter::_stretch(int row, int column, std::span<const Cell> cells) {
@@ -109,8 +123,7 @@ void Painter::_move(int row, int column) {
   constexpr std::size_t MOST_KEPT = 1024;
   if (_moves.size() > MOST_KEPT) _moves.clear();
   auto [known, is_new] = _moves.try_emplace(row << 16 | column);
-  if (is_new)
-    if (const char* sequence = ::tiparm(cursor_address, row, column)) known->second = sequence;
+  if (is_new) known->second = capability(::tiparm(cursor_address, row, column));
   _frame += known->second;
 }
 

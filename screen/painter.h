@@ -24,6 +24,7 @@ class Painter {
   void show(_win_st* window, Canvas& canvas);
 
  private:
+  bool _scroll(RowShift band);
   void _stretch(int row, int column, std::span<const Cell> cells);
   std::span<const Cell>::iterator _plain_run(std::span<const Cell>::iterator cell, std::span<const Cell>::iterator end,
                                              int room);

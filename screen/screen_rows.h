@@ -31,19 +31,24 @@ struct ShiftNumber {
 };
 using PlaceList = GapList<int, ShiftNumber>;
 
-// What a row of text on the screen was drawn from. The handles keep it from being anything else meanwhile.
+// What a row below the title bar is drawn from. The handles keep it from being anything else meanwhile.
 struct DrawnRow {
-  Text line;
-  SpanList format;
-  SharedArray<SyntaxSpan> syntax;
-  int start, length;
-  std::pair<int, int> selection;
-  std::pair<int, int> margins;
-  std::uint64_t content;  // the number that the canvas has for it
+  enum class Kind { BLANK, TEXT, PAGE_BREAK, END };
+
+  Kind kind = Kind::BLANK;
+  MapEntry entry{};
+  Text line{};
+  SpanList format{};
+  SharedArray<SyntaxSpan> syntax{};
+  std::pair<int, int> selection{};
+  std::pair<int, int> margins{};
+  bool lasting = true;        // drawn from nothing else
+  std::uint64_t content = 0;  // the number that the canvas has for it
 
   bool made_of_the_same(const DrawnRow& other) const {
-    return line.same(other.line) && format.same(other.format) && syntax.same(other.syntax) && start == other.start &&
-           length == other.length && selection == other.selection && margins == other.margins;
+    return lasting && other.lasting && kind == other.kind && entry.start == other.entry.start &&
+           entry.length == other.entry.length && line.same(other.line) && format.same(other.format) &&
+           syntax.same(other.syntax) && selection == other.selection && margins == other.margins;
   }
 };
 

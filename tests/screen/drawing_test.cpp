@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
+#include <random>
 
 #include "tests/support/editor_session.h"
 
@@ -167,6 +169,54 @@ TEST_F(Drawing, MarginsSurroundTheText) {
   session->_margin_top_pct = session->_margin_bottom_pct = 20;
   session.document("- an item in a narrow column\n⏎text| that wraps as well\nmore\nand more");
   expect_screen(session, "margins");
+}
+
+// Rows that only move are moved by the terminal itself, where it can.
+TEST(DrawingAnew, ShowsNothingElseThanWhatEveryKeyHasPatched) {
+  for (const std::string terminal : {"xterm-256color", "vt100"}) {
+    EditorSession session({.rows = 14, .cols = 30, .terminal_type = terminal});
+    std::mt19937 random(7);
+    auto pick = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
+    std::string document = "|";
+    for (int i = 1; i < 40; ++i)
+      document += (i % 9 ? "\n" : "\n⏎") + (i % 7 ? "a <b>line</b> " + std::string(pick(50), 'x') : "");
+    session.document(document);
+    const std::array keys{10,
+                          10,
+                          127,
+                          127,
+                          25,
+                          16,
+                          22,
+                          24,
+                          26,
+                          26,
+                          23,
+                          KEY_DOWN,
+                          KEY_DOWN,
+                          KEY_UP,
+                          KEY_NPAGE,
+                          KEY_PPAGE,
+                          int{_KEY_SHIFT_DOWN},
+                          int{'a'}};
+    for (int step = 0; step < 400; ++step) {
+      if (pick(40) == 0) session->_typewriter = !session->_typewriter;
+      session.press(keys[static_cast<std::size_t>(pick(static_cast<int>(keys.size())))]);
+      const std::string patched = as_text(session.draw());
+      session->_canvas.reset(session->rows(), session->cols());
+      ASSERT_EQ(patched, as_text(session.draw())) << terminal;
+    }
+    EXPECT_EQ(session.output().find("$<"), std::string::npos) << "delays are kept, not printed";
+    session.document(document);
+    session.press({KEY_DOWN, KEY_DOWN, KEY_DOWN});
+    session.draw();
+    const std::size_t before = session.output().size();
+    session.press(10);
+    session.draw();
+    if (terminal != "vt100") {
+      EXPECT_LT(session.output().size() - before, 200U) << "the rows below are moved, not sent";
+    }
+  }
 }
 
 }  // namespace
