@@ -290,7 +290,7 @@ class Editor {
   // Spans are computed when a line is first drawn, so opening a long document costs no matching.
   struct SyntaxLine {
     SharedArray<SyntaxSpan> spans;
-    bool computed = false;
+    bool computed() const { return !spans.null(); }
   };
   SyntaxRules _syn_rules;
   GapList<SyntaxLine> _syn_lines{SyntaxLine()};
@@ -322,7 +322,7 @@ class Editor {
   ScreenMap _screen_map;                             // sorted by (ly, start); page breaks are not entries
   GapList<int> _sm_lines;                            // rows of each line; its chunks begin at its line start. 0: hidden
   PlaceList _sm_line_starts;                         // index of each line's first row; of a hidden line the next row's
-  PlaceList _sep_prefix{0};                          // size + 1; page-break rows standing before entry i
+  PlaceList _sep_prefix{0};                          // page-break rows before entry i; one 0 if there are none
   bool _map_dirty = true;                            // set by _invalidate_map, cleared by a build
   int _map_cache_cols = -1, _map_cache_nlines = -1;  // what the map was built for
   const ScreenMap& _build_screen_map();              // costs nothing while clean

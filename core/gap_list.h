@@ -85,7 +85,11 @@ class GapList {
 
   void clear() { *this = GapList(); }
   void reserve(std::size_t size) { _items.reserve(size); }
-  void assign(std::size_t size, const T& element) { *this = GapList(std::vector<T>(size, element)); }
+  void assign(std::size_t size, const T& element) {
+    std::vector<T> items = std::move(_items);  // its room, unless it is not enough
+    items.assign(size, element);
+    *this = GapList(std::move(items));
+  }
   void push_back(T element) {
     _move_gap(size());
     if (_gap_size > 0) {

@@ -19,7 +19,7 @@ void require(bool holds, const char* invariant) {
 
 bool Editor::_has_true_colours(int ly) const {
   const SyntaxLine& kept = _syn_lines[static_cast<std::size_t>(ly)];
-  return !kept.computed ||
+  return !kept.computed() ||
          std::ranges::equal(kept.spans, _compute_syn_spans(_line(ly).view().str(), _syn_rules, _fmt(ly)));
 }
 

@@ -47,11 +47,19 @@ class SharedArray {
     return made;
   }
 
+  // An array without values that is not the null one either.
+  static SharedArray of_none() {
+    SharedArray made;
+    made._allocate(0);
+    return made;
+  }
+
   // For whoever makes an array that is shared while it is still being filled: values that nobody reads yet.
   T* writable() { return _block ? _values(_block) : nullptr; }
 
   std::size_t size() const { return _block ? _block->size : 0; }
-  bool empty() const { return !_block; }
+  bool empty() const { return size() == 0; }
+  bool null() const { return !_block; }
   const T* data() const { return _block ? _values(_block) : nullptr; }
   const T* begin() const { return data(); }
   const T* end() const { return data() + size(); }

@@ -15,10 +15,11 @@ void Editor::_compute_syn_lines() {
 
 const SharedArray<SyntaxSpan>& Editor::_syn_spans(int ly) {
   SyntaxLine& line = _syn_lines[static_cast<std::size_t>(ly)];
-  if (!line.computed) {
+  if (!line.computed()) {
+    static const SharedArray<SyntaxSpan> none = SharedArray<SyntaxSpan>::of_none();
     line.spans = SharedArray<SyntaxSpan>(
         std::span<const SyntaxSpan>(_compute_syn_spans(_line(ly).view().str(), _syn_rules, _fmt(ly))));
-    line.computed = true;
+    if (line.spans.null()) line.spans = none;
   }
   return line.spans;
 }

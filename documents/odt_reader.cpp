@@ -1,5 +1,9 @@
 #include "documents/odt_reader.h"
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -67,6 +71,8 @@ class ParagraphReader {
   DocumentTriple document() && {
     if (_document.lines.empty()) return {};
     _document.pagebreak_lines = IndexSet::from_sorted(_pagebreaks);
+    _document.lines.shrink_to_fit();
+    _document.fmt_lines.shrink_to_fit();
     return std::move(_document);
   }
 
@@ -79,9 +85,7 @@ class ParagraphReader {
   LineStorage _storage;
 };
 
-}  // namespace
-
-DocumentTriple odt_to_rich(const std::string& path, KeptContent* kept) {
+DocumentTriple read_document(const std::string& path, KeptContent* kept) {
   const std::optional<FileStamp> stamp = file_stamp(path);
   PackageReader package = PackageReader::from_file(path);
   const std::optional<XmlTree> styles_xml = read_styles_xml(package);
@@ -102,6 +106,16 @@ DocumentTriple odt_to_rich(const std::string& path, KeptContent* kept) {
     }
     return reader ? std::move(*reader).document() : DocumentTriple();
   }
+}
+
+}  // namespace
+
+DocumentTriple odt_to_rich(const std::string& path, KeptContent* kept) {
+  DocumentTriple document = read_document(path, kept);
+#ifdef __GLIBC__
+  ::malloc_trim(0);  // what the package took lies between the lines, and would stay with the process
+#endif
+  return document;
 }
 
 }  // namespace brenlow

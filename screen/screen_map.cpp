@@ -1,6 +1,7 @@
 // The translation between logical lines and displayed rows. `_screen_map` is one flat array of rows, so the
 // cursor's row is a binary search and a page of text a slice. `_sm_line_starts` leads from a line to its
-// rows, `_sep_prefix` counts the page-break rows, which are no entries of the map, before each entry.
+// rows, `_sep_prefix` counts the page-break rows, which are no entries of the map, before each entry; as long as
+// the document has none, it is a single 0.
 //
 // A change of a few lines re-wraps those lines and splices the arrays; the text of no other line is looked
 // at. Folds, the line filter when it hides other lines, margins and whole-document commands mark the map dirty
@@ -69,10 +70,9 @@ bool Editor::_has_separator(const MapEntry& entry) const {
 }
 
 void Editor::_rebuild_sep_prefix() {
-  std::vector<int> counts(_screen_map.size() + 1, 0);
-  if (!pagebreak_lines.empty())
-    for (std::size_t i = 0; i < _screen_map.size(); ++i)
-      counts[i + 1] = counts[i] + (_has_separator(_screen_map[i]) ? 1 : 0);
+  std::vector<int> counts(pagebreak_lines.empty() ? 1 : _screen_map.size() + 1, 0);
+  for (std::size_t i = 0; i + 1 < counts.size(); ++i)
+    counts[i + 1] = counts[i] + (_has_separator(_screen_map[i]) ? 1 : 0);
   _sep_prefix = std::move(counts);
 }
 
@@ -115,6 +115,7 @@ void Editor::_update_map_lines(int lo, int hi_old, int new_count) {
 }
 
 void Editor::_splice_sep_prefix(int first, int old_rows, int new_rows) {
+  if (_sep_prefix.size() == 1 || pagebreak_lines.empty()) return _rebuild_sep_prefix();
   auto at = [](int index) { return static_cast<std::size_t>(index); };
   std::vector<int> counts{_sep_prefix[at(first)]};
   for (int i = first; i < first + new_rows; ++i)
@@ -142,7 +143,7 @@ int Editor::_logical_to_screen_row(int ly, int column, const ScreenMap& screen_m
 int Editor::_count_separators(const ScreenMap& screen_map, int first, int end) const {
   int high = std::min(end, static_cast<int>(screen_map.size()));
   int low = std::max(first, 0);
-  if (low >= high || _sep_prefix.empty()) return 0;
+  if (low >= high || _sep_prefix.size() == 1) return 0;
   return _sep_prefix[static_cast<std::size_t>(high)] - _sep_prefix[static_cast<std::size_t>(low)];
 }
 
