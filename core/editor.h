@@ -340,14 +340,16 @@ class Editor {
   screen::Canvas _canvas;  // everything that is drawn; as large as the screen
   screen::Painter _painter{_machine.output};
   std::vector<DrawnRow> _drawn_rows;  // by screen row; a row is kept while it would be made of the same
-  std::uint64_t _row_contents = 0;    // numbers given to rows
+  std::string _drawn_title;
+  std::uint64_t _row_contents = 0, _title_content = 0;  // numbers given to rows, and the title's
   void draw();
   void _draw_titlebar();
   void _draw_text();
   std::vector<DrawnRow> _planned_rows();
   DrawnRow _planned_text_row(const MapEntry& entry);
   bool _row_stands(const DrawnRow& row, int at) const;
-  void _move_drawn_rows(const std::vector<DrawnRow>& planned);
+  void _keep_standing_rows(std::vector<DrawnRow>& planned, int first, int end) const;
+  void _move_drawn_rows(std::vector<DrawnRow>& planned);
   void _draw_row(int screen_row, DrawnRow& row, RowLayers& layers);
   void _draw_rule_row(int screen_row, std::u32string_view label);
   void _draw_text_row(int screen_row, const DrawnRow& row, RowLayers& layers);

@@ -76,6 +76,7 @@ void Editor::_look_at_resize_watch() {
 // it and waiting.
 bool Editor::_wait_for_input(std::optional<milliseconds> limit) {
   ::pollfd waiting{_machine.input, POLLIN, 0};
+  if (limit == milliseconds(0)) return ::poll(&waiting, 1, 0) > 0;
   const EndSignalsBlocked blocked;
   if (int signal = noted_end_signal()) throw EndRequest{signal};
   sigset_t mask = blocked.before();

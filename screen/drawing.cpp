@@ -92,15 +92,21 @@ void Editor::_draw_titlebar() {
   if (_typewriter) flags += " │ TW";
   std::string text = " Brenlow " + std::string(VERSION) + " │ " + (filepath ? path_base_name(*filepath) : "[No Name]") +
                      (modified ? " *" : "  ") + "│ " + size + flags + " │";
-  _canvas.put_row(0, decode_utf8(text), cols(), {0, screen::PAIR_BAR});
+  if (text == _drawn_title && _canvas.keep(0, _title_content)) return;
+  _drawn_title = std::move(text);
+  _title_content = ++_row_contents;
+  _canvas.put_row(0, decode_utf8(_drawn_title), cols(), {0, screen::PAIR_BAR});
+  _canvas.mark(0, _title_content);
 }
 
 void Editor::_draw_text() {
   std::vector<DrawnRow> planned = _planned_rows();
   _drawn_rows.resize(planned.size());
+  _keep_standing_rows(planned, _text_top(), static_cast<int>(planned.size()));
   _move_drawn_rows(planned);
   RowLayers layers;
-  for (std::size_t row = 0; row < planned.size(); ++row) _draw_row(static_cast<int>(row), planned[row], layers);
+  for (std::size_t row = static_cast<std::size_t>(_text_top()); row < planned.size(); ++row)
+    _draw_row(static_cast<int>(row), planned[row], layers);
   _drawn_rows = std::move(planned);
 }
 
@@ -160,14 +166,23 @@ bool Editor::_row_stands(const DrawnRow& row, int at) const {
   return row.made_of_the_same(drawn) && _canvas.holds(at, drawn.content);
 }
 
+// Gives the rows that stand on the screen the numbers that they have there, and the others none.
+void Editor::_keep_standing_rows(std::vector<DrawnRow>& planned, int first, int end) const {
+  for (int at = first; at < end; ++at) {
+    DrawnRow& row = planned[static_cast<std::size_t>(at)];
+    row.content = _row_stands(row, at) ? _drawn_rows[static_cast<std::size_t>(at)].content : 0;
+  }
+}
+
 // Where many rows stand on the screen already, only higher or lower, they are moved there: a line that comes or goes
 // costs no more than itself.
-void Editor::_move_drawn_rows(const std::vector<DrawnRow>& planned) {
+void Editor::_move_drawn_rows(std::vector<DrawnRow>& planned) {
   constexpr int FEWEST = 4;
   auto stands = [&](int row, int at) { return _row_stands(planned[static_cast<std::size_t>(row)], at); };
+  auto kept = [&](int row) { return planned[static_cast<std::size_t>(row)].content != 0; };
   int first = _text_top(), end = static_cast<int>(planned.size());
-  while (first < end && stands(first, first)) ++first;
-  while (first < end && stands(end - 1, end - 1)) --end;
+  while (first < end && kept(first)) ++first;
+  while (first < end && kept(end - 1)) --end;
   if (end - first < FEWEST) return;
   // A row from the middle tells how far; blank lines are alike everywhere.
   int probe = (first + end) / 2;
@@ -186,15 +201,11 @@ void Editor::_move_drawn_rows(const std::vector<DrawnRow>& planned) {
   screen::RowShift band{.top = std::min(top, top - by), .bottom = std::max(bottom, bottom - by), .by = by};
   _canvas.shift(band);
   band.move(_drawn_rows, DrawnRow{});
+  _keep_standing_rows(planned, band.top, band.bottom);
 }
 
 void Editor::_draw_row(int screen_row, DrawnRow& row, RowLayers& layers) {
-  if (screen_row < _text_top()) return;
-  const std::uint64_t before = _drawn_rows[static_cast<std::size_t>(screen_row)].content;
-  if (_row_stands(row, screen_row) && _canvas.keep(screen_row, before)) {
-    row.content = before;
-    return;
-  }
+  if (_canvas.keep(screen_row, row.content)) return;
   switch (row.kind) {
     case DrawnRow::Kind::BLANK:
       _canvas.put(screen_row, 0, U" ");

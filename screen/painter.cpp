@@ -120,11 +120,12 @@ std::span<const Cell>::iterator Painter::_plain_run(std::span<const Cell>::itera
 }
 
 void Painter::_move(int row, int column) {
-  constexpr std::size_t MOST_KEPT = 1024;
-  if (_moves.size() > MOST_KEPT) _moves.clear();
-  auto [known, is_new] = _moves.try_emplace(row << 16 | column);
-  if (is_new) known->second = capability(::tiparm(cursor_address, row, column));
-  _frame += known->second;
+  // The one that nearly every terminal has needs no interpreter.
+  static constexpr std::string_view USUAL = "\x1b[%i%p1%d;%p2%dH";
+  if (cursor_address && cursor_address == USUAL)
+    _frame.append("\x1b[").append(std::to_string(row + 1)).append(";").append(std::to_string(column + 1)).append("H");
+  else
+    _frame += capability(::tiparm(cursor_address, row, column));
 }
 
 void Painter::_character(const Cell& cell) {

@@ -4,7 +4,6 @@
 #include <map>
 #include <span>
 #include <string>
-#include <unordered_map>
 
 #include "screen/canvas.h"
 
@@ -39,7 +38,6 @@ class Painter {
   bool _started = false;
   int _rows = 0, _cols = 0;                     // of the canvas that is being shown
   std::string _frame;                           // what goes to the terminal
-  std::unordered_map<int, std::string> _moves;  // the sequences that move the cursor, by place
   std::map<std::uint64_t, std::string> _looks;  // the sequence that sets a look, whatever was set before
   std::uint64_t _current = 0;                   // the look that is set in the terminal
   std::pair<int, int> _cursor{-1, -1};          // where the terminal's cursor was left
