@@ -149,9 +149,7 @@ std::optional<int> Editor::_escape_token(std::string_view bytes) const {
 
 std::optional<int> Editor::_read_sequence(std::string& bytes) {
   const auto deadline = Clock::now() + SEQUENCE_TIME;
-  auto time_left = [&] {
-    return std::max(std::chrono::duration_cast<milliseconds>(deadline - Clock::now()), milliseconds(0));
-  };
+  auto time_left = [&] { return std::max(std::chrono::ceil<milliseconds>(deadline - Clock::now()), milliseconds(0)); };
   while (bytes.size() < LONGEST_SEQUENCE) {
     // Waits for the first byte, and for the rest of a sequence that a slow line has cut.
     bool more_expected = bytes.empty() || is_escape_prefix(_ESC_MAP, bytes);

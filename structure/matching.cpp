@@ -50,19 +50,23 @@ template <class Character>
 auto variants_of(char32_t character, bool case_insensitive) {
   using Number = decltype(raw(Character{}));
   std::vector<Number> variants;
-  auto add = [&](char32_t variant) {
-    if constexpr (std::is_same_v<Character, NarrowCharacter>) {
-      if (auto byte = NarrowCharacter::of(variant)) variants.push_back(*byte);
-    } else {
-      if (static_cast<Number>(variant) == variant) variants.push_back(static_cast<Number>(variant));
+  if constexpr (std::is_same_v<Character, NarrowCharacter>) {
+    for (unsigned byte = 0; byte <= 0xFF; ++byte) {
+      char32_t variant = NarrowCharacter{static_cast<unsigned char>(byte)};
+      if (variant == character || (case_insensitive && lower(variant) == character))
+        variants.push_back(static_cast<Number>(byte));
     }
-  };
-  add(character);
-  if (!case_insensitive) return variants;
-  const auto& partners = case_partners();
-  for (auto it = std::lower_bound(partners.begin(), partners.end(), std::pair(character, U'\0'));
-       it != partners.end() && it->first == character; ++it)
-    add(it->second);
+  } else {
+    auto add = [&](char32_t variant) {
+      if (static_cast<Number>(variant) == variant) variants.push_back(static_cast<Number>(variant));
+    };
+    add(character);
+    if (!case_insensitive) return variants;
+    const auto& partners = case_partners();
+    for (auto it = std::lower_bound(partners.begin(), partners.end(), std::pair(character, U'\0'));
+         it != partners.end() && it->first == character; ++it)
+      add(it->second);
+  }
   return variants;
 }
 
@@ -70,7 +74,7 @@ auto variants_of(char32_t character, bool case_insensitive) {
 
 template <class Character>
 Needle::Scan<Needle::Raw<Character>> Needle::_prepared() const {
-  Scan<Raw<Character>> scan;
+  Scan<Raw<Character>> scan{.prepared = true};
   auto first = variants_of<Character>(_term.front(), _case_insensitive);
   auto last = variants_of<Character>(_term.back(), _case_insensitive);
   scan.possible = !first.empty() && !last.empty();
@@ -84,8 +88,13 @@ Needle::Scan<Needle::Raw<Character>> Needle::_prepared() const {
 }
 
 Needle::Needle(std::u32string_view term, bool case_insensitive)
-    : _term(case_insensitive ? lowered(term) : std::u32string(term)), _case_insensitive(case_insensitive) {
-  if (!_term.empty()) _scans = {_prepared<NarrowCharacter>(), _prepared<char16_t>(), _prepared<char32_t>()};
+    : _term(case_insensitive ? lowered(term) : std::u32string(term)), _case_insensitive(case_insensitive) {}
+
+template <class Character>
+const Needle::Scan<Needle::Raw<Character>>& Needle::_scan() const {
+  auto& scan = std::get<Scan<Raw<Character>>>(_scans);
+  if (!scan.prepared) scan = _prepared<Character>();
+  return scan;
 }
 
 template <class Character>
@@ -114,9 +123,10 @@ bool Needle::_matches(const Character* at, const Scan<Raw<Character>>& scan) con
 
 template <class Character>
 int Needle::_find(std::span<const Character> text, int from) const {
-  const auto& scan = std::get<Scan<Raw<Character>>>(_scans);
   std::size_t at = static_cast<std::size_t>(std::max(from, 0));
-  if (_term.empty() || !scan.possible || text.size() < _term.size()) return -1;
+  if (_term.empty() || text.size() < _term.size()) return -1;
+  const auto& scan = _scan<Character>();
+  if (!scan.possible) return -1;
   std::size_t places = text.size() - _term.size() + 1;  // where the needle fits
   const Character* begin = text.data();
   while (at < places) {
@@ -134,9 +144,10 @@ int Needle::_find(std::span<const Character> text, int from) const {
 
 template <class Character>
 int Needle::_rfind(std::span<const Character> text, int before) const {
-  const auto& scan = std::get<Scan<Raw<Character>>>(_scans);
   std::size_t limit = std::min(text.size(), static_cast<std::size_t>(std::max(before, 0)));
-  if (_term.empty() || !scan.possible || limit < _term.size()) return -1;
+  if (_term.empty() || limit < _term.size()) return -1;
+  const auto& scan = _scan<Character>();
+  if (!scan.possible) return -1;
   std::size_t end = limit - _term.size() + 1;
   const Character* begin = text.data();
   while (end > 0) {

@@ -36,11 +36,14 @@ class Needle {
     Variants last{};
     bool possible = false;   // a text of this width can hold the term
     bool scannable = false;  // `first` and `last` hold all variants
+    bool prepared = false;
   };
   template <class Character>
   using Raw = decltype(raw(Character{}));
   template <class Character>
   Scan<Raw<Character>> _prepared() const;
+  template <class Character>
+  const Scan<Raw<Character>>& _scan() const;
   template <class Character>
   bool _block_has_candidate(const Character* block, const Scan<Raw<Character>>& scan) const;
   template <class Character>
@@ -52,7 +55,7 @@ class Needle {
 
   std::u32string _term;  // lower-cased if case does not count
   bool _case_insensitive;
-  std::tuple<Scan<unsigned char>, Scan<char16_t>, Scan<char32_t>> _scans;
+  mutable std::tuple<Scan<unsigned char>, Scan<char16_t>, Scan<char32_t>> _scans;  // each made when first needed
 };
 
 struct ReplacedLine {
