@@ -27,8 +27,7 @@ class SharedArray {
   }
   SharedArray(SharedArray&& other) noexcept : _block(std::exchange(other._block, nullptr)) {}
   SharedArray& operator=(const SharedArray& other) noexcept {
-    SharedArray copy(other);
-    std::swap(_block, copy._block);
+    if (this != &other) *this = SharedArray(other);
     return *this;
   }
   SharedArray& operator=(SharedArray&& other) noexcept {

@@ -1,9 +1,8 @@
-#include <array>
-#include <ctime>
 #include <filesystem>
 
 #include "core/editor.h"
 #include "core/failure.h"
+#include "core/local_time.h"
 #include "core/unicode.h"
 #include "customise/recent_files.h"
 #include "documents/odt_reader.h"
@@ -38,15 +37,6 @@ DocumentTriple load_document(const std::string& path, KeptContent* kept = nullpt
 }
 
 bool is_empty_document(const DocumentTriple& triple) { return triple.lines.size() == 1 && triple.lines[0].empty(); }
-
-std::string local_time_name() {
-  std::time_t now = std::time(nullptr);
-  std::tm local{};
-  ::localtime_r(&now, &local);
-  std::array<char, 32> text{};
-  std::size_t length = std::strftime(text.data(), text.size(), "%Y%m%d-%H%M%S", &local);
-  return {text.data(), length};
-}
 
 // Where a save under `path` goes, and the message that tells it, without the base name.
 struct SaveRoute {
@@ -183,7 +173,7 @@ void Editor::do_create_newdoc() {
   std::optional<std::string> path;
   std::string told = "New document";
   if (_newdoc_timestamp) {
-    std::string name = local_time_name() + "." + _default_extension;
+    std::string name = local_time("%Y%m%d-%H%M%S") + "." + _default_extension;
     fs::path folder = filepath ? fs::path(*filepath).parent_path() : fs::path();
     std::error_code ignored;
     if (folder.empty()) folder = fs::current_path(ignored);

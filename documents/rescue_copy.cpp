@@ -3,12 +3,11 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <array>
-#include <ctime>
 #include <filesystem>
 #include <vector>
 
 #include "core/failure.h"
+#include "core/local_time.h"
 #include "core/unicode.h"
 #include "documents/file_access.h"
 #include "documents/odt_writer.h"
@@ -46,15 +45,6 @@ Composed composed(const RescueDocument& document, const std::optional<std::strin
   return {txt_bytes(document.lines), ".txt"};
 }
 
-std::string now_in_words() {
-  std::time_t now = std::time(nullptr);
-  std::tm local{};
-  ::localtime_r(&now, &local);
-  std::array<char, 32> text{};
-  std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H%M%S", &local);
-  return {text.data(), length};
-}
-
 // The name of a copy, but for a number and the extension.
 std::string copy_stem(const std::optional<std::string>& path, const std::string& extension) {
   std::string name = path ? path_base_name(*path) : "unnamed";
@@ -64,7 +54,7 @@ std::string copy_stem(const std::optional<std::string>& path, const std::string&
     while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;  // within a character
     name.resize(end);
   }
-  return name + " rescued " + now_in_words();
+  return name + local_time(" rescued %Y-%m-%d %H%M%S");
 }
 
 // As readable for others as the document's own file.

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 #include <tuple>
 
+#include "core/local_time.h"
 #include "core/unicode.h"
 #include "documents/file_access.h"
 #include "documents/plain_text.h"
@@ -24,14 +24,6 @@ namespace fs = std::filesystem;
 constexpr std::size_t LARGEST_SEARCHED_FILE = 256U << 20;
 constexpr int SIZE_COLUMN = 7;
 constexpr int DATE_COLUMN = 16;
-
-std::string time_text(std::time_t time) {
-  std::tm local{};
-  if (!::localtime_r(&time, &local)) return {};
-  std::array<char, 32> text{};
-  std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &local);
-  return {text.data(), length};
-}
 
 struct Named {
   std::u32string key;  // lower-cased, for sorting
@@ -110,7 +102,7 @@ std::vector<BrowserEntry> list_directory(const std::string& directory, bool hide
     struct stat status {};
     if (::stat(joined_path(directory, named.name).c_str(), &status) == 0) {
       if (!named.is_directory) entry.size = size_text(static_cast<std::uintmax_t>(status.st_size));
-      entry.detail = time_text(status.st_mtime);
+      entry.detail = local_time("%Y-%m-%d %H:%M", status.st_mtime);
     }
     entries.push_back(std::move(entry));
   }

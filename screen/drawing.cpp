@@ -179,10 +179,11 @@ void Editor::_keep_standing_rows(std::vector<DrawnRow>& planned, int first, int 
 void Editor::_move_drawn_rows(std::vector<DrawnRow>& planned) {
   constexpr int FEWEST = 4;
   auto stands = [&](int row, int at) { return _row_stands(planned[static_cast<std::size_t>(row)], at); };
-  auto kept = [&](int row) { return planned[static_cast<std::size_t>(row)].content != 0; };
-  int first = _text_top(), end = static_cast<int>(planned.size());
-  while (first < end && kept(first)) ++first;
-  while (first < end && kept(end - 1)) --end;
+  auto kept = [](const DrawnRow& row) { return row.content != 0; };
+  const auto first_changed = std::find_if_not(planned.begin() + _text_top(), planned.end(), kept);
+  const auto last_changed = std::find_if_not(planned.rbegin(), std::make_reverse_iterator(first_changed), kept);
+  const int first = static_cast<int>(first_changed - planned.begin());
+  const int end = static_cast<int>(last_changed.base() - planned.begin());
   if (end - first < FEWEST) return;
   // A row from the middle tells how far; blank lines are alike everywhere.
   int probe = (first + end) / 2;
