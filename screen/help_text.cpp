@@ -91,16 +91,13 @@ std::string key_row(std::string_view action, std::string_view key) {
   return row.append(key);
 }
 
-// The key that runs the action now. Of two actions on one key the later one has it; line feed, Backspace and Ctrl G
-// are decided before any shortcut.
+// The key that runs the action now. Of two actions on one key the later one has it; Ctrl G always filters.
 std::string shortcut_label(const KeyMap& keys, std::string_view action) {
-  constexpr std::array DECIDED_EARLIER{_KEY_CTRL_G, 8, 10};
   const int token = key_of_action(keys, action, NO_KEY);
   std::string_view owner;
   for (const auto& [name, bound] : keys)
     if (bound == token && !name.starts_with('_')) owner = name;
-  const bool reachable = owner == action && std::ranges::find(DECIDED_EARLIER, token) == DECIDED_EARLIER.end();
-  return reachable ? label_of_token(token) : "(no key)";
+  return owner == action && token != _KEY_CTRL_G ? label_of_token(token) : "(no key)";
 }
 
 std::vector<std::string> split_lines(std::string_view text) {

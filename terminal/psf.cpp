@@ -47,7 +47,13 @@ class Inflater {
   }
   explicit operator bool() const { return _ready; }
   z_stream* operator->() { return &_stream; }
-  int step() { return ::inflate(&_stream, Z_NO_FLUSH); }
+  // A file may hold several gzip members; padding behind the last one is left alone.
+  int step() {
+    constexpr Bytef MAGIC = 0x1F;
+    const int outcome = ::inflate(&_stream, Z_NO_FLUSH);
+    const bool another = outcome == Z_STREAM_END && _stream.avail_in > 0 && *_stream.next_in == MAGIC;
+    return another ? ::inflateReset(&_stream) : outcome;
+  }
 
  private:
   z_stream _stream{};

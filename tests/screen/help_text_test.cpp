@@ -38,10 +38,12 @@ TEST(HelpText, ShortcutsAreThoseOfTheUsersConfiguration) {
   key_of(keys, "save") = 11;
   key_of(keys, "bold") = 6;  // the key of find, which stands further down and keeps it
   key_of(keys, "mark") = _KEY_CTRL_G;
+  key_of(keys, "italic") = 8;
   const auto lines = help_lines(keys, _KEY_F[0], _KEY_F[1]);
   EXPECT_EQ(shortcut_of(lines, "Save"), "Ctrl K");
   EXPECT_EQ(shortcut_of(lines, "Find"), "Ctrl F");
   EXPECT_EQ(shortcut_of(lines, "Bold on/off"), "(no key)");
+  EXPECT_EQ(shortcut_of(lines, "Italic on/off"), "Ctrl H") << "Backspace's byte, once bound";
   EXPECT_EQ(shortcut_of(lines, "Mark/unmark selection anchor"), "(no key)") << "Ctrl G always filters";
   EXPECT_EQ(shortcut_of(lines, "Redo (back-compat)"), "no row");
   EXPECT_EQ(shortcut_of(lines, "Open/close help screen"), "F1");

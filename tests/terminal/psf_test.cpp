@@ -53,6 +53,8 @@ TEST(Psf, DamagedPackedAndEndlessFilesAreRefused) {
     ASSERT_FALSE(gunzip(packed.substr(0, size), 1 << 20)) << size;
   EXPECT_EQ(gunzip(packed, psf1(16).size()), psf1(16));
   EXPECT_FALSE(gunzip(packed, psf1(16).size() - 1));
+  EXPECT_EQ(gunzip(packed + packed + std::string(512, '\0'), 1 << 20), psf1(16) + psf1(16)) << "members, then padding";
+  EXPECT_FALSE(gunzip(packed + packed.substr(0, 20), 1 << 20));
   EXPECT_FALSE(_read_font_bytes(folder.write("bomb.psf.gz", gzipped(std::string(FONT_FILE_LIMIT + 1, '\0')))));
   ASSERT_EQ(::mkfifo(folder.file("pipe.psf").c_str(), 0600), 0);
   for (const char* name : {"pipe.psf", "absent.psf", "."}) EXPECT_FALSE(_read_font_bytes(folder.file(name))) << name;
