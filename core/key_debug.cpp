@@ -46,6 +46,10 @@ void run_key_debug(_win_st* screen) {
   canvas.put(1, 0, U"Press Ctrl+C or Ctrl+D to quit.");
   canvas.put(2, 0, std::u32string(60, U'-'));
   painter.show(screen, canvas);
+  auto begin_page = [&] {
+    canvas.reset(::getmaxy(screen), ::getmaxx(screen));
+    canvas.put(0, 0, U"Key debug — Ctrl+C/D to quit:");
+  };
   for (int row = 3;; ++row) {
     errno = 0;
     int key = ::wgetch(screen);
@@ -55,6 +59,13 @@ void run_key_debug(_win_st* screen) {
       --row;
       continue;
     }
+    if (key == KEY_RESIZE) {
+      ::wrefresh(screen);  // the library clears the screen now rather than at its next read
+      begin_page();
+      painter.show(screen, canvas);
+      row = 0;
+      continue;
+    }
     std::vector<int> codes{key};
     if (key == KEY_ESC) {
       ::wtimeout(screen, 100);
@@ -62,8 +73,7 @@ void run_key_debug(_win_st* screen) {
       ::wtimeout(screen, -1);
     }
     if (row >= ::getmaxy(screen) - 1) {
-      canvas.reset(::getmaxy(screen), ::getmaxx(screen));
-      canvas.put(0, 0, U"Key debug — Ctrl+C/D to quit:");
+      begin_page();
       row = 1;
     }
     auto width = static_cast<std::size_t>(std::max(::getmaxx(screen) - 1, 0));

@@ -64,6 +64,12 @@ TEST(Start, KeyDebugShowsTheBytesOfEachKeyAndGivesTheTerminalBack) {
     program.wait_for("str=[" + std::string(1, key) + "]");
   }
   program.wait_for("Key debug — Ctrl+C/D to quit:");
+  program.resize(24, 60);
+  for (char key = 'j'; key <= 'z'; ++key) {
+    program.send(std::string(1, key));
+    program.wait_for("str=[" + std::string(1, key) + "]");
+  }
+  program.wait_for("Key debug — Ctrl+C/D to quit:");
   program.send("\x04");
   EXPECT_EQ(program.wait_for_end(), (ProgramEnd{.status = 0, .signal = 0}));
   EXPECT_EQ(program.modes(), program.modes_before());
